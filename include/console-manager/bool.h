@@ -1,0 +1,9 @@
+/* The truth value of the settings: a 32-bit word, 0 or 1 by convention, stored as given. */
+#ifndef CONSOLE_MANAGER_BOOL_H
+#define CONSOLE_MANAGER_BOOL_H
+
+#include <stdint.h>
+
+typedef int32_t BOOL;
+
+#endif

@@ -1,0 +1,67 @@
+#include <cstring>
+#include <span>
+
+#include "console-manager/settings.h"
+#include "settings/item_access.h"
+#include "settings/key_path.h"
+#include "settings/settings_database.h"
+
+namespace {
+
+using Words = std::span<const char* const>;  // a setting's words, each at its number
+
+constexpr size_t kWordSize = 65;
+
+int32_t numberOf(const char* word, Words words, int32_t otherwise) {
+    for (size_t number = 0; number < words.size(); ++number) {
+        if (std::strcmp(word, words[number]) == 0) {
+            return static_cast<int32_t>(number);
+        }
+    }
+    return otherwise;
+}
+
+const char* wordOf(int32_t number, Words words) {
+    const auto index = static_cast<size_t>(number);
+    return number >= 0 && index < words.size() ? words[index] : "";
+}
+
+// The word is looked at whatever the read returned: a failed one has delivered the default.
+template <typename Scope>
+int32_t getNumber(sqlite3* db, const KeyPath& path, int32_t* value, Words words, int32_t initial) {
+    char word[kWordSize];
+    uint32_t length = 0;
+    const int32_t result =
+        Scope::getString(db, path, word, &length, sizeof word, wordOf(initial, words));
+    if (value != nullptr) {
+        *value = numberOf(word, words, initial);
+    }
+    return result;
+}
+
+}  // namespace
+
+#define ENUMERATED_SETTING(name, key, Scope, Store, initial, ...)                               \
+    static constexpr const char* k##name##Words[] = {__VA_ARGS__};                              \
+    int32_t DAL_CML_get##name(int32_t* value) {                                                 \
+        return getNumber<Scope>(open##Store##Database(), plainItem(key), value, k##name##Words, \
+                                initial);                                                       \
+    }                                                                                           \
+    int32_t DAL_CML_set##name(int32_t value) {                                                  \
+        return Scope::setString(open##Store##Database(), plainItem(key),                        \
+                                wordOf(value, k##name##Words));                                 \
+    }                                                                                           \
+    int32_t DAL_CML_get##name##Default(void) {                                                  \
+        return initial;                                                                         \
+    }                                                                                           \
+    int32_t DAL_CML_delete##name(void) {                                                        \
+        return Scope::deleteItem(open##Store##Database(), plainItem(key));                      \
+    }                                                                                           \
+    int32_t DAL_CML_deleteAll##name(void) {                                                     \
+        return deleteInAllProfiles(open##Store##Database(), plainItem(key));                    \
+    }                                                                                           \
+    int32_t DAL_CML_is##name##Present(void) {                                                   \
+        return Scope::isPresent(open##Store##Database(), plainItem(key));                       \
+    }
+
+#include "settings/catalogue.def"

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "platform/trace_debug.h"
+
+// Prints a message through the logging library. logger is what TDL_logger returned; null is fine.
+void logMessage(TDL_LoggerRecord* logger, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));

@@ -1,0 +1,110 @@
+#include "settings/settings_database.h"
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <memory>
+#include <mutex>
+#include <span>
+
+#include "platform/data_access.h"
+#include "platform/trace_debug.h"
+#include "settings/log_message.h"
+
+namespace {
+
+// A node table, and an item table whose rows go with their node.
+#define LIST_TABLES(list)                                                                \
+    "CREATE TABLE IF NOT EXISTS tbl_" list " (c_" list                                   \
+    " TEXT, c_dal_profile_no TEXT, UNIQUE(c_" list ", c_dal_profile_no));",              \
+        "CREATE TABLE IF NOT EXISTS tbl_" list "_dal_key_dal_value (c_" list             \
+        " TEXT, c_dal_key TEXT, c_dal_profile_no TEXT, c_dal_value TEXT, UNIQUE(c_" list \
+        ", c_dal_key, c_dal_profile_no), FOREIGN KEY(c_" list                            \
+        ", c_dal_profile_no) REFERENCES tbl_" list " (c_" list                           \
+        ", c_dal_profile_no) ON DELETE CASCADE ON UPDATE CASCADE);",
+
+constexpr auto kListTables = std::to_array<const char*>({
+#define INT_LIST(item, node, list, ...) LIST_TABLES(list)
+#define STRING_LIST INT_LIST
+#include "settings/catalogue.def"
+});
+#undef LIST_TABLES
+
+// Without a logger messages are printed all the same; only a logger's flags can silence them.
+bool messagesEnabled() {
+    const TDL_LoggerRecord* const logger = TDL_logger();
+    return logger == nullptr || (logger->flags & TDL_FLAG_DATABASE_MESSAGES) != 0;
+}
+
+using Connection = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
+
+struct SettingsDatabase {
+    const char* path;
+    const char* directoryCommand;
+    std::span<const char* const> schema;
+    std::mutex opening{};
+    std::atomic<sqlite3*> handle = nullptr;
+
+    // After the first success one load and one test; the guard is for threads that come first
+    // together, of which one opens.
+    sqlite3* open() {
+        if (sqlite3* const open = handle.load(std::memory_order_acquire)) {
+            return open;
+        }
+        const std::lock_guard guard(opening);
+        if (sqlite3* const open = handle.load(std::memory_order_relaxed)) {
+            return open;
+        }
+        sqlite3* const opened = connect();
+        handle.store(opened, std::memory_order_release);
+        return opened;
+    }
+
+    sqlite3* connect() const {
+        // The command's result says nothing that the open wouldn't.
+        [[maybe_unused]] const int status = std::system(directoryCommand);
+        sqlite3* local = nullptr;
+        const int result = sqlite3_open(path, &local);
+        // A failed open leaves a connection to be closed, too.
+        Connection connection(local, sqlite3_close);
+        if (result != SQLITE_OK) {
+            if (messagesEnabled()) {
+                logMessage(TDL_logger(), "Unable to open %s", path);
+            }
+            return nullptr;
+        }
+        if (!initialise(connection.get())) {
+            if (messagesEnabled()) {
+                logMessage(TDL_logger(), "Unable to initialise %s", path);
+            }
+            return nullptr;
+        }
+        return connection.release();
+    }
+
+    bool initialise(sqlite3* connection) const {
+        if (DAL_SetDBConfiguration(connection) != 0) {
+            return false;
+        }
+        for (const char* const statement : schema) {
+            if (DAL_ExecuteQuery(connection, statement) != 0) {
+                return false;
+            }
+        }
+        return DAL_CreateFlatKeyTable(connection) == 0;
+    }
+};
+
+constinit SettingsDatabase persistentDatabase{"/mnt/vex-data/m7/console-manager.db",
+                                              "mkdir -p /mnt/vex-data/m7/", kListTables};
+constinit SettingsDatabase volatileDatabase{"/tmp/m7/console-manager.db", "mkdir -p /tmp/m7/", {}};
+
+}  // namespace
+
+sqlite3* openPersistentDatabase() {
+    return persistentDatabase.open();
+}
+
+sqlite3* openVolatileDatabase() {
+    return volatileDatabase.open();
+}

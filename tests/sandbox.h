@@ -1,0 +1,31 @@
+// Namespaces of a test's own, so that nothing of the machine is touched.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+// A fixture whose tests run in their own mount and network namespaces, with an empty tmpfs where
+// the library writes ("/mnt", "/tmp/m7") and where the tests may ("/mnt/test"), and with the
+// loopback port up. Where the system refuses namespaces the test is skipped.
+class Sandbox : public testing::Test {
+  protected:
+    void SetUp() override;
+
+    // Makes `target` (an existing file) read as `content` for this process and its children.
+    // Binding again replaces what was bound before.
+    static void bindFile(const std::string& target, std::string_view content);
+
+    // Puts an executable shell script in front of every other program of that name.
+    static void putProgram(const std::string& name, std::string_view script);
+
+    // Runs a shell command and returns its standard output; a failing command fails the test.
+    static std::string run(const std::string& command);
+};
+
+// Descriptors that the process has open; to show that none was left behind.
+int openDescriptors();
+
+void writeFile(const std::string& path, std::string_view content);
+std::string readFile(const std::string& path);

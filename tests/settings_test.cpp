@@ -1,0 +1,380 @@
+// The settings on real databases.
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "console-manager/settings.h"
+#include "platform/trace_debug.h"
+#include "sandbox.h"
+#include "sqlite_query.h"
+
+namespace {
+
+const std::string kFile = "/mnt/vex-data/m7/console-manager.db";
+const std::string kVolatileFile = "/tmp/m7/console-manager.db";
+const std::string kRows = "SELECT * FROM tbl_dal_key_dal_value ORDER BY 1, 2";
+
+using SettingsTest = Sandbox;
+
+std::vector<std::string> take(char** list) {
+    std::vector<std::string> ids;
+    for (char** id = list; id != nullptr && *id != nullptr; ++id) {
+        ids.emplace_back(*id);
+        free(*id);
+    }
+    free(list);
+    return ids;
+}
+
+// Runs work in a process of its own, which ends with the status that work gives.
+pid_t start(const std::function<int()>& work) {
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(work());
+    }
+    return child;
+}
+
+int statusOf(pid_t child) {
+    int status = -1;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+template <typename Value>
+struct Shared {
+    Shared()
+        : value(new (mmap(nullptr, sizeof(Value), PROT_READ | PROT_WRITE,
+                          MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Value()) {}
+    ~Shared() { munmap(value, sizeof(Value)); }
+    Shared(const Shared&) = delete;
+    Shared& operator=(const Shared&) = delete;
+    Value* operator->() const { return value; }
+    Value* value;
+};
+
+TEST_F(SettingsTest, ValuesComeAndGo) {
+    int32_t number = 0;
+    EXPECT_EQ(DAL_CML_getDriverDisplaySource(&number), 0);
+    EXPECT_EQ(number, -1);
+    EXPECT_EQ(DAL_CML_isDriverDisplaySourcePresent(), 0);
+    EXPECT_EQ(DAL_CML_setDriverDisplaySource(-2147483647 - 1), 0);
+    EXPECT_EQ(DAL_CML_getDriverDisplaySource(&number), 0);
+    EXPECT_EQ(number, -2147483647 - 1);
+    EXPECT_EQ(DAL_CML_isDriverDisplaySourcePresent(), 1);
+    EXPECT_EQ(DAL_CML_setEnableServiceIdEntry(5), 0);
+    EXPECT_EQ(DAL_CML_setEnableServiceIdEntry(6), 0);
+    EXPECT_EQ(DAL_CML_setDisplayOffTimeout(2147483647), 0);
+    EXPECT_EQ(query(kFile, kRows),
+              "display-off-timeout|0|2147483647 driver-display-source||-2147483648 "
+              "enable-service-id-entry||6");
+    EXPECT_EQ(DAL_CML_deleteDisplayOffTimeout(), 0);
+    EXPECT_EQ(DAL_CML_deleteAllEnableServiceIdEntry(), 0) << "reaches an unprofiled row";
+    EXPECT_EQ(DAL_CML_deleteAllDriverDisplaySource(), 0);
+    EXPECT_EQ(DAL_CML_deleteDriverDisplaySource(), 0) << "absent is no failure";
+    EXPECT_EQ(query(kFile, kRows), "");
+
+    query(kFile, "INSERT INTO tbl_dal_key_dal_value VALUES ('theme', '3', 'DARK')");
+    EXPECT_EQ(DAL_CML_isThemePresent(), 0) << "another profile's";
+    EXPECT_EQ(DAL_CML_deleteTheme(), 0);
+    EXPECT_EQ(query(kFile, kRows), "theme|3|DARK");
+    EXPECT_EQ(DAL_CML_deleteAllTheme(), 0);
+    EXPECT_EQ(query(kFile, kRows), "");
+}
+
+TEST_F(SettingsTest, StoredTextThatIsNoNumberReadsAsTheDefault) {
+    ASSERT_EQ(DAL_CML_setDisplayOffTimeout(1), 0);
+    for (const auto& [stored, expected] : {std::pair("12", 12),
+                                           {"-7", -7},
+                                           {"", 30},
+                                           {"12x", 30},
+                                           {" 12", 30},
+                                           {"2147483648", 30},
+                                           {"ON", 30}}) {
+        query(kFile,
+              std::string("UPDATE tbl_dal_key_dal_value SET c_dal_value = '") + stored + "'");
+        int32_t number = 0;
+        EXPECT_EQ(DAL_CML_getDisplayOffTimeout(&number), 0);
+        EXPECT_EQ(number, expected) << stored;
+    }
+}
+
+TEST_F(SettingsTest, StringsAreCutAtTheBuffer) {
+    const auto get = [](size_t size, uint32_t& length) {
+        char buffer[16];
+        std::memset(buffer, '#', sizeof buffer);
+        EXPECT_EQ(DAL_CML_getLanguage(buffer, &length, size), 0);
+        return std::string(buffer, sizeof buffer).substr(0, size + 1);
+    };
+    uint32_t length = 0;
+    EXPECT_EQ(get(8, length), std::string("EN\0######", 9));
+    EXPECT_EQ(length, 2u);
+    ASSERT_EQ(DAL_CML_setLanguage("ABCDE"), 0);
+    for (const auto& [size, expected] : {std::pair<size_t, std::string>{0, "#"},
+                                         {1, std::string("\0#", 2)},
+                                         {5, std::string("ABCD\0#", 6)},
+                                         {6, std::string("ABCDE\0#", 7)}}) {
+        EXPECT_EQ(get(size, length), expected);
+        EXPECT_EQ(length, 5u);
+    }
+    char* copy = nullptr;
+    EXPECT_EQ(DAL_CML_getLanguageMalloc(&copy, &length), 0);
+    EXPECT_STREQ(copy, "ABCDE");
+    EXPECT_EQ(length, 5u);
+    free(copy);
+    EXPECT_NE(DAL_CML_setLanguage(nullptr), 0);
+    EXPECT_EQ(DAL_CML_deleteLanguage(), 0);
+    EXPECT_NE(DAL_CML_getLanguageMalloc(&copy, nullptr), 0);
+    EXPECT_EQ(copy, nullptr);
+}
+
+TEST_F(SettingsTest, WordsAreComparedWhole) {
+    using Getter = int32_t (*)(int32_t*);
+    struct Case {
+        Getter get;
+        const char* key;
+        const char* profile;
+        const char* stored;
+        int32_t expected;
+    };
+    const Case cases[] = {
+        {DAL_CML_getDateFormat, "date-format", "", "DDMMYY", 0},
+        {DAL_CML_getDateFormat, "date-format", "", "DDMMYYY", 1},
+        {DAL_CML_getDateFormat, "date-format", "", "YYYYMMDD", 3},
+        {DAL_CML_getDateFormat, "date-format", "", "", 1},
+        {DAL_CML_getDestinationClearControl, "destination-clear-control", "0", "DISABLE", 0},
+        {DAL_CML_getDestinationClearControl, "destination-clear-control", "0", "disable", 1},
+        {DAL_CML_getDestinationClearControl, "destination-clear-control", "0", "DISABLE ", 1},
+        {DAL_CML_getTheme, "theme", "0", "AUTO", 2},
+        {DAL_CML_getTheme, "theme", "0", "DARKX", 0},
+    };
+    ASSERT_EQ(DAL_CML_setTheme(2), 0);
+    for (const Case& c : cases) {
+        query(kFile, std::string("REPLACE INTO tbl_dal_key_dal_value VALUES ('") + c.key + "','" +
+                         c.profile + "','" + c.stored + "')");
+        int32_t number = -9;
+        EXPECT_EQ(c.get(&number), 0);
+        EXPECT_EQ(number, c.expected) << c.key << " " << c.stored;
+    }
+    EXPECT_EQ(DAL_CML_setDateFormat(4), 0);
+    EXPECT_EQ(DAL_CML_isDateFormatPresent(), 1);
+}
+
+TEST_F(SettingsTest, ListsHoldNodesWithTheirItems) {
+    for (const char* id : {"b", "a b", "B", "", "\xc3\xa9"}) {
+        EXPECT_EQ(DAL_CML_setHomeScreenIcon(id, id), 0);
+        EXPECT_EQ(DAL_CML_setHomeScreenIcon(id, "again"), 0);
+    }
+    EXPECT_EQ(DAL_CML_setBrowserDestinationHideItem("b", 0), 0);
+    EXPECT_EQ(take(DAL_CML_listHomeScreenIconsNodes()),
+              (std::vector<std::string>{"", "B", "a b", "b", "\xc3\xa9"}));
+    EXPECT_EQ(query(kFile, "SELECT count(*) FROM tbl_home_screen_icons_dal_key_dal_value"), "5");
+
+    EXPECT_EQ(DAL_CML_deleteHomeScreenIcon("B"), 0);
+    EXPECT_EQ(DAL_CML_isHomeScreenIconPresent("B"), 0);
+    EXPECT_EQ(DAL_CML_isHomeScreenIconsNodePresent("B"), 1) << "the node stays";
+    EXPECT_EQ(DAL_CML_deleteHomeScreenIconsNode("b"), 0);
+    EXPECT_EQ(DAL_CML_isHomeScreenIconsNodePresent("b"), 0);
+    EXPECT_EQ(DAL_CML_isHomeScreenIconPresent("b"), 0) << "the item goes with its node";
+
+    int32_t hidden = 9;
+    EXPECT_EQ(DAL_CML_getBrowserDestinationHideItem("b", &hidden), 0);
+    EXPECT_EQ(hidden, 0) << "another list's node of the same id";
+    EXPECT_EQ(DAL_CML_getBrowserInformationHideItem("b", &hidden), 0);
+    EXPECT_EQ(hidden, 1);
+
+    EXPECT_NE(DAL_CML_deleteHomeScreenIconsNode(nullptr), 0);
+    EXPECT_NE(DAL_CML_setHomeScreenIcon(nullptr, "x"), 0);
+    EXPECT_NE(DAL_CML_deleteHomeScreenIcon(nullptr), 0);
+    EXPECT_EQ(take(DAL_CML_listHomeScreenIconsNodes()).size(), 4u) << "no null id clears a list";
+    query(kFile, "INSERT INTO tbl_home_screen_icons VALUES ('other', '7')");
+    EXPECT_EQ(DAL_CML_deleteAllHomeScreenIconsNodes(), 0);
+    char** const empty = DAL_CML_listHomeScreenIconsNodes();
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(empty[0], nullptr);
+    free(empty);
+    EXPECT_EQ(query(kFile, "SELECT * FROM tbl_home_screen_icons"), "");
+}
+
+TEST_F(SettingsTest, DeleteAllClearsBothFiles) {
+    EXPECT_EQ(DAL_CML_setTheme(2), 0);
+    EXPECT_FALSE(std::filesystem::exists(kVolatileFile)) << "opened by AutoTheme alone";
+    EXPECT_EQ(DAL_CML_setAutoTheme(1), 0);
+    EXPECT_EQ(query(kVolatileFile, kRows), "auto-theme|0|DARK");
+    EXPECT_EQ(DAL_CML_setQorHotKeySelectListItem("1", "x"), 0);
+    EXPECT_EQ(DAL_CML_deleteAll(), 0);
+    EXPECT_EQ(query(kFile, kRows) + query(kVolatileFile, kRows) +
+                  query(kFile, "SELECT * FROM tbl_qor_hot_key_select_list_dal_key_dal_value"),
+              "");
+    EXPECT_EQ(DAL_CML_setTheme(1), 0);
+    EXPECT_EQ(DAL_CML_setAutoTheme(2), 0);
+    EXPECT_EQ(query(kFile, kRows) + query(kVolatileFile, kRows), "theme|0|DARKauto-theme|0|AUTO");
+}
+
+TEST_F(SettingsTest, AnUnusableDatabaseIsReportedAndTriedAgain) {
+    ASSERT_EQ(mkdir("/mnt/vex-data", 0755), 0);
+    struct Case {
+        const char* situation;
+        std::function<void()> make;
+        std::function<void()> mend;
+        std::string message;
+    };
+    const Case cases[] = {
+        {"no folder", [] { writeFile("/mnt/vex-data/m7", "in the way"); },
+         [] { unlink("/mnt/vex-data/m7"); }, "Unable to open " + kFile},
+        {"no database",
+         [] {
+             mkdir("/mnt/vex-data/m7", 0755);
+             writeFile(kFile, std::string(8192, 'x'));
+         },
+         [] { unlink(kFile.c_str()); }, "Unable to initialise " + kFile},
+        {"an index under the name of a table",
+         [] { query(kFile, "CREATE TABLE t (a); CREATE INDEX tbl_home_screen_icons ON t (a)"); },
+         [] { query(kFile, "DROP TABLE t"); }, "Unable to initialise " + kFile},
+    };
+    for (const Case& c : cases) {
+        c.make();
+        const int before = openDescriptors();
+        for (const uint32_t flags : {2u, ~2u}) {
+            TDL_logger()->flags = flags;
+            int32_t number = 0;
+            char buffer[8] = "";
+            testing::internal::CaptureStderr();
+            EXPECT_NE(DAL_CML_getDisplayOffTimeout(&number), 0);
+            const std::string first = testing::internal::GetCapturedStderr();
+            testing::internal::CaptureStderr();
+            EXPECT_NE(DAL_CML_getLanguage(buffer, nullptr, sizeof buffer), 0);
+            EXPECT_NE(DAL_CML_setLanguage("FR"), 0);
+            EXPECT_EQ(DAL_CML_isLanguagePresent(), 0);
+            EXPECT_EQ(DAL_CML_listHomeScreenIconsNodes(), nullptr);
+            testing::internal::GetCapturedStderr();
+            EXPECT_EQ(number, 30);
+            EXPECT_STREQ(buffer, "EN");
+            // What mkdir has to say comes first.
+            const std::string message = "[2] " + c.message + "\n";
+            EXPECT_EQ(first.ends_with(message), flags == 2u) << c.situation << ": " << first;
+            EXPECT_EQ(first.find("Unable") != first.npos, flags == 2u) << first;
+        }
+        EXPECT_EQ(openDescriptors(), before) << c.situation;
+        TDL_logger()->flags = 0;
+        EXPECT_EQ(DAL_CML_setAutoTheme(2), 0) << "the volatile one is its own";
+        EXPECT_EQ(DAL_CML_deleteAll(), 1);
+        EXPECT_EQ(DAL_CML_isAutoThemePresent(), 0) << "and is cleared alone";
+        c.mend();
+    }
+    EXPECT_EQ(DAL_CML_setLanguage("FR"), 0);
+}
+
+TEST_F(SettingsTest, AKillLosesNothingAcknowledged) {
+    for (int round = 0; round < 40; ++round) {
+        Shared<std::atomic<int32_t>> acknowledged;
+        const pid_t child = start([&] {
+            for (int32_t value = 1;; ++value) {
+                if (DAL_CML_setDisplayOffTimeout(value) != 0 ||
+                    DAL_CML_setHomeScreenIcon(std::to_string(value % 50).c_str(),
+                                              std::string(300, 'x').c_str()) != 0) {
+                    return 1;
+                }
+                acknowledged->store(value);
+            }
+        });
+        while (acknowledged->load() < 20 + 13 * round && waitpid(child, nullptr, WNOHANG) == 0) {
+            std::this_thread::yield();
+        }
+        kill(child, SIGKILL);
+        ASSERT_EQ(statusOf(child), -SIGKILL);
+        ASSERT_EQ(query(kFile, "PRAGMA integrity_check"), "ok");
+        ASSERT_EQ(query(kFile, "PRAGMA foreign_key_check"), "");
+        const int stored = std::stoi(query(kFile, "SELECT c_dal_value FROM tbl_dal_key_dal_value"));
+        EXPECT_GE(stored, acknowledged->load());
+        EXPECT_LE(stored, acknowledged->load() + 1);
+    }
+}
+
+TEST_F(SettingsTest, ProcessesWaitForEachOther) {
+    constexpr int kProcesses = 4;
+    constexpr int kSets = 50;
+    Shared<std::atomic<int>> ready;
+    std::vector<pid_t> children;
+    for (int process = 0; process < kProcesses; ++process) {
+        children.push_back(start([&, process] {
+            // All make the tables at once, too.
+            ready->fetch_add(1);
+            while (ready->load() < kProcesses) {
+            }
+            int failures = 0;
+            for (int i = 0; i < kSets; ++i) {
+                const std::string id = std::to_string(process) + "-" + std::to_string(i);
+                failures += DAL_CML_setIconsMenuFavourite(id.c_str(), "x") != 0;
+            }
+            return failures;
+        }));
+    }
+    for (const pid_t child : children) {
+        EXPECT_EQ(statusOf(child), 0);
+    }
+    EXPECT_EQ(query(kFile, "SELECT count(*) FROM tbl_icons_menu_favourites_dal_key_dal_value"),
+              std::to_string(kProcesses * kSets));
+}
+
+TEST_F(SettingsTest, ThreadsShareTheConnection) {
+    std::vector<std::thread> threads;
+    std::atomic<int> failures = 0;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([&failures, thread] {
+            const std::string id = std::to_string(thread);
+            for (int i = 0; i < 25; ++i) {
+                failures += DAL_CML_setQorHotKeySelectListItem(id.c_str(), id.c_str()) != 0;
+                failures += DAL_CML_setTheme(i % 3) != 0;
+                if (thread == 0) {
+                    failures += DAL_CML_deleteAll() != 0;
+                }
+                char text[8];
+                failures +=
+                    DAL_CML_getQorHotKeySelectListItem(id.c_str(), text, nullptr, sizeof text) != 0;
+                failures += std::string(text) != "" && text != id;
+                failures += take(DAL_CML_listQorHotKeySelectListNodes()).size() > 4;
+            }
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(DAL_CML_setTheme(1), 0);
+    EXPECT_EQ(query(kFile, kRows), "theme|0|DARK");
+    EXPECT_EQ(query(kFile, "PRAGMA foreign_key_check"), "");
+}
+
+TEST_F(SettingsTest, AFullDiskKeepsTheOldValue) {
+    ASSERT_EQ(mkdir("/mnt/vex-data", 0755), 0);
+    ASSERT_EQ(mount("tmpfs", "/mnt/vex-data", "tmpfs", 0, "size=1m"), 0);
+    ASSERT_EQ(DAL_CML_setLanguage("OLD"), 0);
+    const std::string filler = "/mnt/vex-data/filler";
+    run("dd if=/dev/zero of=" + filler + " bs=4096 2>/dev/null; true");
+    const std::string large(100'000, 'x');
+    EXPECT_EQ(DAL_CML_setLanguage(large.c_str()), SQLITE_FULL);
+    EXPECT_EQ(DAL_CML_setHomeScreenIcon("1", large.c_str()), SQLITE_FULL);
+    char text[8];
+    EXPECT_EQ(DAL_CML_getLanguage(text, nullptr, sizeof text), 0);
+    EXPECT_STREQ(text, "OLD");
+    EXPECT_EQ(DAL_CML_isHomeScreenIconsNodePresent("1"), 0) << "no node without its item";
+    unlink(filler.c_str());
+    EXPECT_EQ(DAL_CML_setLanguage(large.c_str()), 0);
+    EXPECT_EQ(DAL_CML_setHomeScreenIcon("1", large.c_str()), 0);
+    EXPECT_EQ(query(kFile, "PRAGMA integrity_check"), "ok");
+}
+
+}  // namespace

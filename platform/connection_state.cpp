@@ -24,10 +24,11 @@ std::string sqlOf(Verb verb, const Address& address, const Profile& profile) {
         if (!present) {
             return;
         }
-        const std::string number = "?" + std::to_string(parameter);
-        columns += (columns.empty() ? "" : ", ") + column;
-        parameters += (parameters.empty() ? "" : ", ") + number;
-        conditions += (conditions.empty() ? " WHERE " : " AND ") + column + " = " + number;
+        const std::string number = std::to_string(parameter);
+        columns.append(columns.empty() ? "" : ", ").append(column);
+        parameters.append(parameters.empty() ? "?" : ", ?").append(number);
+        conditions.append(conditions.empty() ? " WHERE " : " AND ");
+        conditions.append(column).append(" = ?").append(number);
     };
     add(address.node != nullptr, nodeColumn, kNode);
     add(address.key != nullptr, "c_dal_key", kKey);

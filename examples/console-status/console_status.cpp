@@ -1,6 +1,67 @@
+// console-status: shows what the console manager library knows, and changes settings.
 #include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
 
-int main() {
-    std::puts("console-status");
+#include "sections.h"
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+struct Command {
+    const char* name;
+    const char* arguments;
+    size_t count;
+    const char* help;
+    std::function<int(const Arguments&)> run;
+};
+
+const Command kCommands[] = {
+    {"get", "NAME", 1, "print the value of a setting",
+     [](const Arguments& a) { return getSetting(a[0]); }},
+    {"set", "NAME VALUE", 2, "store a value",
+     [](const Arguments& a) { return setSetting(a[0], a[1]); }},
+    {"reset", "NAME", 1, "remove the stored value, so that the default holds",
+     [](const Arguments& a) { return resetSetting(a[0]); }},
+    {"list", "LIST", 1, "print the nodes of a list with their values",
+     [](const Arguments& a) { return printList(a[0]); }},
+};
+
+constexpr int kUsageError = 2;
+
+void printUsage(FILE* to) {
+    std::fprintf(to, "usage: console-status            report all\n");
+    for (const Command& command : kCommands) {
+        const std::string words = std::string(command.name) + " " + command.arguments;
+        std::fprintf(to, "       console-status %-15s %s\n", words.c_str(), command.help);
+    }
+    std::fprintf(
+        to, "Exit status: 0 if it was done, 1 if not, 2 if the arguments are not understood.\n");
+}
+
+int report() {
+    reportSettings();
     return 0;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    const Arguments arguments(words + 1, words + count);
+    if (arguments.empty()) {
+        return report();
+    }
+    if (arguments[0] == "--help") {
+        printUsage(stdout);
+        return 0;
+    }
+    for (const Command& command : kCommands) {
+        if (arguments[0] == command.name && arguments.size() == command.count + 1) {
+            return command.run({arguments.begin() + 1, arguments.end()});
+        }
+    }
+    printUsage(stderr);
+    return kUsageError;
 }

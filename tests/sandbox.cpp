@@ -40,7 +40,7 @@ bool mountTmpfs(const char* target) {
 
 void Sandbox::SetUp() {
     if (!enterUserNamespace() || unshare(CLONE_NEWNS | CLONE_NEWNET) != 0 ||
-        mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+        mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) != 0) {
         GTEST_SKIP() << "no namespaces here: " << std::strerror(errno);
     }
     // sysfs shows the network namespace in which it was mounted.
@@ -54,7 +54,7 @@ void Sandbox::bindFile(const std::string& target, std::string_view content) {
     static int number = 0;
     const std::string source = "/mnt/test/bound-" + std::to_string(++number);
     writeFile(source, content);
-    ASSERT_EQ(mount(source.c_str(), target.c_str(), nullptr, MS_BIND, nullptr), 0)
+    ASSERT_EQ(mount(source.c_str(), target.c_str(), "none", MS_BIND, nullptr), 0)
         << target << ": " << std::strerror(errno);
 }
 

@@ -1,0 +1,23 @@
+# Debian packages that the project needs, and how to get them; read by the scripts in the root.
+# shellcheck shell=sh disable=SC2034
+
+BUILD_PACKAGES="g++ cmake ninja-build pkg-config libsqlite3-dev libmnl-dev"
+TEST_PACKAGES="$BUILD_PACKAGES libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format clang-tidy \
+    valgrind iproute2 iputils-ping procps"
+
+AS_ROOT=
+[ "$(id -u)" -eq 0 ] || AS_ROOT=sudo
+
+# install_packages NAME...: installs what is missing, and says so.
+install_packages() {
+    missing=
+    for package in "$@"; do
+        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
+            missing="$missing $package"
+    done
+    [ -n "$missing" ] || return 0
+    echo "Installing Debian packages:$missing"
+    $AS_ROOT apt-get update -qq
+    # shellcheck disable=SC2086
+    $AS_ROOT env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq $missing >/dev/null
+}

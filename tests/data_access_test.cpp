@@ -24,10 +24,6 @@ class DataAccess : public Sandbox {
         if (IsSkipped()) {
             return;
         }
-        open();
-    }
-
-    void open() {
         sqlite3* opened = nullptr;
         ASSERT_EQ(sqlite3_open(kFile.c_str(), &opened), SQLITE_OK);
         owner.reset(opened);
@@ -35,10 +31,10 @@ class DataAccess : public Sandbox {
         ASSERT_EQ(DAL_SetDBConfiguration(db), 0);
         ASSERT_EQ(DAL_CreateFlatKeyTable(db), 0);
         execute(
-            "CREATE TABLE IF NOT EXISTS tbl_list (c_list TEXT, c_dal_profile_no TEXT, "
+            "CREATE TABLE tbl_list (c_list TEXT, c_dal_profile_no TEXT, "
             "UNIQUE(c_list, c_dal_profile_no))");
         execute(
-            "CREATE TABLE IF NOT EXISTS tbl_list_dal_key_dal_value (c_list TEXT, c_dal_key "
+            "CREATE TABLE tbl_list_dal_key_dal_value (c_list TEXT, c_dal_key "
             "TEXT, c_dal_profile_no TEXT, c_dal_value TEXT, UNIQUE(c_list, c_dal_key, "
             "c_dal_profile_no), FOREIGN KEY(c_list, c_dal_profile_no) REFERENCES tbl_list "
             "(c_list, c_dal_profile_no) ON DELETE CASCADE)");
@@ -135,16 +131,6 @@ TEST_F(DataAccess, TheCallersTransactionIsNotDisturbed) {
     EXPECT_EQ(query(kFile, "SELECT * FROM tbl_dal_key_dal_value"), "") << "not committed yet";
     execute("COMMIT");
     EXPECT_EQ(query(kFile, "SELECT c_dal_value FROM tbl_dal_key_dal_value"), "within");
-}
-
-TEST_F(DataAccess, EverythingSurvivesAReopen) {
-    ASSERT_EQ(DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0), 0);
-    ASSERT_EQ(DAL_setProfiledTypeString(db, &kItem, "p", 0, 2), 0);
-    owner.reset();
-    open();
-    EXPECT_EQ(DAL_isProfiledPresent(db, &kListItem, 0), 1);
-    EXPECT_EQ(DAL_isProfiledPresent(db, &kItem, 0), 0);
-    EXPECT_EQ(DAL_isProfiledPresent(db, &kItem, 2), 1);
 }
 
 }  // namespace

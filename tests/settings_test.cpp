@@ -65,35 +65,6 @@ struct Shared {
     Value* value;
 };
 
-TEST_F(SettingsTest, ValuesComeAndGo) {
-    int32_t number = 0;
-    EXPECT_EQ(DAL_CML_getDriverDisplaySource(&number), 0);
-    EXPECT_EQ(number, -1);
-    EXPECT_EQ(DAL_CML_isDriverDisplaySourcePresent(), 0);
-    EXPECT_EQ(DAL_CML_setDriverDisplaySource(-2147483647 - 1), 0);
-    EXPECT_EQ(DAL_CML_getDriverDisplaySource(&number), 0);
-    EXPECT_EQ(number, -2147483647 - 1);
-    EXPECT_EQ(DAL_CML_isDriverDisplaySourcePresent(), 1);
-    EXPECT_EQ(DAL_CML_setEnableServiceIdEntry(5), 0);
-    EXPECT_EQ(DAL_CML_setEnableServiceIdEntry(6), 0);
-    EXPECT_EQ(DAL_CML_setDisplayOffTimeout(2147483647), 0);
-    EXPECT_EQ(query(kFile, kRows),
-              "display-off-timeout|0|2147483647 driver-display-source||-2147483648 "
-              "enable-service-id-entry||6");
-    EXPECT_EQ(DAL_CML_deleteDisplayOffTimeout(), 0);
-    EXPECT_EQ(DAL_CML_deleteAllEnableServiceIdEntry(), 0) << "reaches an unprofiled row";
-    EXPECT_EQ(DAL_CML_deleteAllDriverDisplaySource(), 0);
-    EXPECT_EQ(DAL_CML_deleteDriverDisplaySource(), 0) << "absent is no failure";
-    EXPECT_EQ(query(kFile, kRows), "");
-
-    query(kFile, "INSERT INTO tbl_dal_key_dal_value VALUES ('theme', '3', 'DARK')");
-    EXPECT_EQ(DAL_CML_isThemePresent(), 0) << "another profile's";
-    EXPECT_EQ(DAL_CML_deleteTheme(), 0);
-    EXPECT_EQ(query(kFile, kRows), "theme|3|DARK");
-    EXPECT_EQ(DAL_CML_deleteAllTheme(), 0);
-    EXPECT_EQ(query(kFile, kRows), "");
-}
-
 TEST_F(SettingsTest, StoredTextThatIsNoNumberReadsAsTheDefault) {
     ASSERT_EQ(DAL_CML_setDisplayOffTimeout(1), 0);
     for (const auto& [stored, expected] : {std::pair("12", 12),

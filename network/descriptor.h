@@ -1,0 +1,22 @@
+#pragma once
+
+#include <unistd.h>
+
+// A file descriptor that is closed at the end of its life; below 0 there is none.
+class Descriptor {
+  public:
+    explicit Descriptor(int opened) : number(opened) {}
+    ~Descriptor() {
+        if (number >= 0) {
+            close(number);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    bool isOpen() const { return number >= 0; }
+    int get() const { return number; }
+
+  private:
+    int number;
+};

@@ -1,0 +1,66 @@
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "console-manager/network.h"
+#include "network/port_flags.h"
+
+namespace {
+
+struct Free {
+    void operator()(void* block) const { std::free(block); }
+};
+using Name = std::unique_ptr<char, Free>;
+
+// Every entry counts, whatever its kind. Throws std::filesystem::filesystem_error.
+std::vector<Name> readNames(bool onlyActive) {
+    std::vector<Name> names;
+    for (const auto& entry : std::filesystem::directory_iterator("/sys/class/net")) {
+        const std::string name = entry.path().filename();
+        if (onlyActive && CML_checkNetworkPortActive(name.c_str()) == 0) {
+            continue;
+        }
+        names.emplace_back(strdup(name.c_str()));
+        if (!names.back()) {
+            return {};
+        }
+    }
+    return names;
+}
+
+// The names as the caller gets them; null if there are none.
+char** toArray(std::vector<Name> names) {
+    if (names.empty()) {
+        return nullptr;
+    }
+    std::sort(names.begin(), names.end(),
+              [](const Name& a, const Name& b) { return std::strcmp(a.get(), b.get()) < 0; });
+    auto** const list = static_cast<char**>(std::malloc((names.size() + 1) * sizeof(char*)));
+    if (list == nullptr) {
+        return nullptr;
+    }
+    char** const end =
+        std::transform(names.begin(), names.end(), list, [](Name& name) { return name.release(); });
+    *end = nullptr;
+    return list;
+}
+
+}  // namespace
+
+char** CML_getNetworkPortsList(int32_t onlyActive) {
+    try {
+        return toArray(readNames(onlyActive != 0));
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+int32_t CML_checkNetworkPortActive(const char* port) {
+    const auto flags = readPortFlags(port);
+    return flags && isRunning(*flags) ? 1 : 0;
+}

@@ -1,0 +1,30 @@
+#include <net/if.h>
+
+#include <cstddef>
+#include <fstream>
+#include <string>
+
+#include "console-manager/network.h"
+#include "network/port_flags.h"
+
+static_assert(sizeof(CML_NetworkPortStatus) == 8 && offsetof(CML_NetworkPortStatus, up) == 0 &&
+              offsetof(CML_NetworkPortStatus, running) == 4);
+
+int32_t CML_getNetworkPortStatus(const char* port, CML_NetworkPortStatus* status) {
+    *status = {};
+    const auto flags = readPortFlags(port);
+    if (!flags) {
+        return 0;
+    }
+    status->up = (*flags & IFF_UP) != 0 ? 1 : 0;
+    status->running = isRunning(*flags) ? 1 : 0;
+    return 1;
+}
+
+const char* CML_getNetworkPortMACAddress(const char* port) {
+    static std::string address;
+    address.clear();
+    std::ifstream file("/sys/class/net/" + std::string(port) + "/address");
+    std::getline(file, address);
+    return address.c_str();
+}

@@ -43,6 +43,7 @@ void printUsage(FILE* to) {
 
 int report() {
     reportSettings();
+    reportPorts();
     return 0;
 }
 

@@ -1,0 +1,67 @@
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "console-manager/device.h"
+
+namespace {
+
+// The running totals of one line, in clock ticks. What the kernel counts beyond these four (waiting
+// for input and output, interrupts ...) is neither busy nor idle here.
+struct CpuTimes {
+    double user = 0;
+    double nice = 0;
+    double system = 0;
+    double idle = 0;
+
+    [[nodiscard]] double busy() const { return user + nice + system; }
+    [[nodiscard]] double total() const { return busy() + idle; }
+};
+
+std::vector<CpuTimes> readCpuTimes() {
+    std::vector<CpuTimes> reading;
+    std::ifstream file("/proc/stat");
+    std::istringstream fields;
+    fields.imbue(std::locale::classic());
+    std::string name;
+    for (std::string line; std::getline(file, line);) {
+        fields.clear();
+        fields.str(line);
+        if (fields >> name && name.starts_with("cpu")) {
+            CpuTimes& times = reading.emplace_back();
+            fields >> times.user >> times.nice >> times.system >> times.idle;
+        }
+    }
+    return reading;
+}
+
+// In double on every machine, so that all give the same figures. NaN if no tick has passed.
+double usageBetween(const CpuTimes& previous, const CpuTimes& current) {
+    return (current.busy() - previous.busy()) / (current.total() - previous.total());
+}
+
+}  // namespace
+
+const long double* CML_getAllCPUUsage(int32_t* count) {
+    static std::vector<CpuTimes> previousReading;
+    static std::vector<long double> cpuUsage(1);
+
+    std::vector<CpuTimes> current = readCpuTimes();
+    if (!current.empty() && current.size() == previousReading.size()) {
+        cpuUsage.resize(current.size());
+        for (size_t i = 0; i < current.size(); ++i) {
+            cpuUsage[i] = usageBetween(previousReading[i], current[i]);
+        }
+    }
+    previousReading = std::move(current);
+    if (count != nullptr) {
+        *count = static_cast<int32_t>(cpuUsage.size());
+    }
+    return cpuUsage.data();
+}
+
+long double CML_getCPUUsage(void) {
+    return *CML_getAllCPUUsage(nullptr);
+}

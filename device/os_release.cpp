@@ -1,0 +1,66 @@
+#include <fstream>
+#include <mutex>
+#include <string_view>
+#include <utility>
+
+#include "console-manager/device.h"
+
+std::map<std::string, std::string> os_release;
+
+namespace {
+
+std::mutex writing;
+
+std::string_view withoutQuotes(std::string_view value) {
+    if (value.size() < 2 || value.front() != '"' || value.back() != '"') {
+        return value;
+    }
+    return value.substr(1, value.size() - 2);
+}
+
+void readOsRelease() {
+    if (!os_release.empty()) {
+        return;
+    }
+    // Moved in whole: an exception half-way must not leave a map that counts as read.
+    std::map<std::string, std::string> entries;
+    std::ifstream file("/etc/os-release");
+    for (std::string line; std::getline(file, line);) {
+        const size_t separator = line.find('=');
+        if (separator != std::string::npos) {
+            entries[line.substr(0, separator)] =
+                withoutQuotes(std::string_view(line).substr(separator + 1));
+        }
+    }
+    os_release = std::move(entries);
+}
+
+// Entering an absent key keeps the map from being empty, so that a missing file isn't looked for
+// again. An entry never moves, and so the text stays good when others are entered.
+const char* valueOf(const char* key) {
+    const std::lock_guard lock(writing);
+    readOsRelease();
+    return os_release[key].c_str();
+}
+
+}  // namespace
+
+const char* CML_getBuildType(void) {
+    return valueOf("BUILD_MODE");
+}
+
+const char* CML_getProductID(void) {
+    return valueOf("ID");
+}
+
+const char* CML_getBuildId(void) {
+    return valueOf("BUILD_ID");
+}
+
+const char* CML_getMachineName(void) {
+    return valueOf("MACHINE");
+}
+
+const char* CML_getProductRelease(void) {
+    return valueOf("VERSION");
+}

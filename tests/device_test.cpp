@@ -55,7 +55,7 @@ class Device : public Sandbox {
 // Covers a file with a socket, which nobody can open.
 void makeUnreadable(const char* target) {
     ASSERT_EQ(mknod("/mnt/test/socket", S_IFSOCK | 0600, 0), 0);
-    ASSERT_EQ(mount("/mnt/test/socket", target, nullptr, MS_BIND, nullptr), 0);
+    ASSERT_EQ(mount("/mnt/test/socket", target, "none", MS_BIND, nullptr), 0);
 }
 
 std::vector<const char*> releaseTexts() {

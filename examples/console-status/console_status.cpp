@@ -44,6 +44,7 @@ void printUsage(FILE* to) {
 int report() {
     reportSettings();
     reportPorts();
+    reportDevice();
     return 0;
 }
 

@@ -1,3 +1,5 @@
+#include <console-manager/device.h>
+
 #include <chrono>
 #include <cinttypes>
 #include <cmath>
@@ -9,15 +11,10 @@
 #include <string>
 #include <thread>
 
-#include "console-manager/device.h"
 #include "sections.h"
 #include "table.h"
 
 namespace {
-
-std::string orDash(const char* text) {
-    return text == nullptr || *text == '\0' ? "-" : text;
-}
 
 __attribute__((format(printf, 1, 2))) std::string format(const char* pattern, ...) {
     char text[64];

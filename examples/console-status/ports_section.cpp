@@ -29,10 +29,6 @@ std::string stateOf(const char* port) {
     return status.running != 0 ? "up" : status.up != 0 ? "no link" : "down";
 }
 
-std::string orDash(const char* text) {
-    return *text == '\0' ? "-" : text;
-}
-
 }  // namespace
 
 void reportPorts() {

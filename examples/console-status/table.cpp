@@ -50,6 +50,10 @@ void Table::print() const {
     }
 }
 
+std::string orDash(const char* text) {
+    return text == nullptr || *text == '\0' ? "-" : text;
+}
+
 void printTitle(const std::string& title) {
     std::printf("\n");
     printBold(title);

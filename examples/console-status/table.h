@@ -18,5 +18,8 @@ class Table {
     std::vector<std::vector<std::string>> rows;
 };
 
+// The text, or "-" where it is null or empty.
+std::string orDash(const char* text);
+
 // A line that opens a section of the report.
 void printTitle(const std::string& title);

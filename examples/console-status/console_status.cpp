@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "sections.h"
+#include "watch.h"
 
 namespace {
 
@@ -18,7 +19,15 @@ struct Command {
     std::function<int(const Arguments&)> run;
 };
 
+void report() {
+    reportSettings();
+    reportPorts();
+    reportDevice();
+}
+
 const Command kCommands[] = {
+    {"--watch", "SECONDS", 1, "report again and again, with the load in between, until SIGINT",
+     [](const Arguments& a) { return watch(a[0], report); }},
     {"get", "NAME", 1, "print the value of a setting",
      [](const Arguments& a) { return getSetting(a[0]); }},
     {"set", "NAME VALUE", 2, "store a value",
@@ -32,20 +41,13 @@ const Command kCommands[] = {
 constexpr int kUsageError = 2;
 
 void printUsage(FILE* to) {
-    std::fprintf(to, "usage: console-status            report all\n");
+    std::fprintf(to, "usage: console-status                   report all\n");
     for (const Command& command : kCommands) {
         const std::string words = std::string(command.name) + " " + command.arguments;
-        std::fprintf(to, "       console-status %-15s %s\n", words.c_str(), command.help);
+        std::fprintf(to, "       console-status %-16s  %s\n", words.c_str(), command.help);
     }
     std::fprintf(
         to, "Exit status: 0 if it was done, 1 if not, 2 if the arguments are not understood.\n");
-}
-
-int report() {
-    reportSettings();
-    reportPorts();
-    reportDevice();
-    return 0;
 }
 
 }  // namespace
@@ -53,7 +55,8 @@ int report() {
 int main(int count, char** words) {
     const Arguments arguments(words + 1, words + count);
     if (arguments.empty()) {
-        return report();
+        report();
+        return 0;
     }
     if (arguments[0] == "--help") {
         printUsage(stdout);

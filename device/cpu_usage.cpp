@@ -1,10 +1,11 @@
-#include <fstream>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "console-manager/device.h"
+#include "device/text_file.h"
 
 namespace {
 
@@ -22,17 +23,18 @@ struct CpuTimes {
 
 std::vector<CpuTimes> readCpuTimes() {
     std::vector<CpuTimes> reading;
-    std::ifstream file("/proc/stat");
+    const std::string text = readText("/proc/stat");
     std::istringstream fields;
     fields.imbue(std::locale::classic());
-    std::string name;
-    for (std::string line; std::getline(file, line);) {
-        fields.clear();
-        fields.str(line);
-        if (fields >> name && name.starts_with("cpu")) {
-            CpuTimes& times = reading.emplace_back();
-            fields >> times.user >> times.nice >> times.system >> times.idle;
+    for (std::string_view rest = text; !rest.empty();) {
+        std::string_view line = takeLine(rest);
+        if (!takeWord(line).starts_with("cpu")) {
+            continue;
         }
+        fields.clear();
+        fields.str(std::string(line));
+        CpuTimes& times = reading.emplace_back();
+        fields >> times.user >> times.nice >> times.system >> times.idle;
     }
     return reading;
 }

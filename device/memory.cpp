@@ -1,30 +1,28 @@
-#include <fstream>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 #include "console-manager/device.h"
+#include "device/text_file.h"
 
 int32_t CML_getMemoryInformation(int32_t* memTotal, int32_t* memFree) {
-    std::ifstream file("/proc/meminfo");
-    std::istringstream fields;
-    fields.imbue(std::locale::classic());
-    for (std::string line; std::getline(file, line);) {
-        // Taking all of some fifty lines apart would take as long as the kernel takes to write
-        // them.
-        if (line.find("Mem") == std::string::npos) {
+    const std::string text = readText("/proc/meminfo");
+    std::istringstream field;
+    field.imbue(std::locale::classic());
+    for (std::string_view rest = text; !rest.empty();) {
+        std::string_view line = takeLine(rest);
+        const std::string_view label = takeWord(line);
+        int32_t* const value = label == "MemTotal:"  ? memTotal
+                               : label == "MemFree:" ? memFree
+                                                     : nullptr;
+        if (value == nullptr) {
             continue;
         }
-        fields.clear();
-        fields.str(line);
-        std::string label;
+        field.clear();
+        field.str(std::string(line));
         int32_t number;
-        if (!(fields >> label >> number)) {
-            continue;
-        }
-        if (label == "MemTotal:") {
-            *memTotal = number;
-        } else if (label == "MemFree:") {
-            *memFree = number;
+        if (field >> number) {
+            *value = number;
         }
     }
     return 0;

@@ -1,9 +1,10 @@
-#include <fstream>
 #include <mutex>
+#include <string>
 #include <string_view>
 #include <utility>
 
 #include "console-manager/device.h"
+#include "device/text_file.h"
 
 std::map<std::string, std::string> os_release;
 
@@ -24,12 +25,13 @@ void readOsRelease() {
     }
     // Moved in whole: an exception half-way must not leave a map that counts as read.
     std::map<std::string, std::string> entries;
-    std::ifstream file("/etc/os-release");
-    for (std::string line; std::getline(file, line);) {
+    const std::string text = readText("/etc/os-release");
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view line = takeLine(rest);
         const size_t separator = line.find('=');
-        if (separator != std::string::npos) {
-            entries[line.substr(0, separator)] =
-                withoutQuotes(std::string_view(line).substr(separator + 1));
+        if (separator != std::string_view::npos) {
+            entries[std::string(line.substr(0, separator))] =
+                withoutQuotes(line.substr(separator + 1));
         }
     }
     os_release = std::move(entries);

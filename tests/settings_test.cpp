@@ -6,8 +6,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <functional>
@@ -16,9 +18,33 @@
 #include <vector>
 
 #include "console-manager/settings.h"
-#include "platform/trace_debug.h"
+#include "platform/qor_core.h"
 #include "sandbox.h"
 #include "sqlite_query.h"
+
+namespace {
+
+// The logging libraries, played. A record is told by its first word.
+TDL_LoggerRecord* loggers[2];  // what TDL_logger answers, in turns
+size_t asked = 0;
+std::vector<std::string> printed;
+
+}  // namespace
+
+TDL_LoggerRecord* TDL_logger(void) {
+    return loggers[asked++ % 2];
+}
+
+void qor_logger_print3(TDL_LoggerRecord* logger, int level, int zero1, int zero2, int zero3,
+                       int zero4, const char* format, va_list arguments) {
+    char text[100];
+    std::vsnprintf(text, sizeof text, format, arguments);
+    std::string line = logger == nullptr ? "no logger" : std::to_string(logger->reserved);
+    for (const int number : {level, zero1, zero2, zero3, zero4}) {
+        line.append(" ").append(std::to_string(number));
+    }
+    printed.push_back(line + " " + format + ": " + text);
+}
 
 namespace {
 
@@ -180,6 +206,7 @@ TEST_F(SettingsTest, ListsHoldNodesWithTheirItems) {
 }
 
 TEST_F(SettingsTest, DeleteAllClearsBothFiles) {
+    putProgram("mkdir", "echo \"$*\" >>/mnt/test/mkdir; exec /bin/mkdir \"$@\"");
     EXPECT_EQ(DAL_CML_setTheme(2), 0);
     EXPECT_FALSE(std::filesystem::exists(kVolatileFile)) << "opened by AutoTheme alone";
     EXPECT_EQ(DAL_CML_setAutoTheme(1), 0);
@@ -192,54 +219,73 @@ TEST_F(SettingsTest, DeleteAllClearsBothFiles) {
     EXPECT_EQ(DAL_CML_setTheme(1), 0);
     EXPECT_EQ(DAL_CML_setAutoTheme(2), 0);
     EXPECT_EQ(query(kFile, kRows) + query(kVolatileFile, kRows), "theme|0|DARKauto-theme|0|AUTO");
+    EXPECT_EQ(readFile("/mnt/test/mkdir"), "-p /mnt/vex-data/m7/\n-p /tmp/m7/\n") << "opened once";
+    query(kFile, "DROP TABLE tbl_dal_key_dal_value; DROP TABLE tbl_qor_hot_key_select_list");
+    EXPECT_EQ(DAL_CML_deleteAll(), 0) << "only the connections count";
+}
+
+TEST_F(SettingsTest, DeleteAllClearsTheOneFileWithoutTheOther) {
+    EXPECT_EQ(DAL_CML_setTheme(2), 0);
+    ASSERT_EQ(mkdir(kVolatileFile.c_str(), 0755), 0);
+    EXPECT_EQ(DAL_CML_deleteAll(), 1);
+    EXPECT_EQ(query(kFile, kRows), "");
 }
 
 TEST_F(SettingsTest, AnUnusableDatabaseIsReportedAndTriedAgain) {
     ASSERT_EQ(mkdir("/mnt/vex-data", 0755), 0);
+    TDL_LoggerRecord silent{1, ~2u};
+    TDL_LoggerRecord enabled{2, 2u};
+    struct Logging {
+        TDL_LoggerRecord* loggers[2];
+        std::string printed;  // to which; empty for nothing
+    };
+    const Logging loggings[] = {{{nullptr, nullptr}, "no logger"},
+                                {{nullptr, &enabled}, "2"},
+                                {{&enabled, &silent}, "1"},
+                                {{&silent, &silent}, ""}};
     struct Case {
         const char* situation;
         std::function<void()> make;
         std::function<void()> mend;
-        std::string message;
+        std::string verb;
     };
     const Case cases[] = {
         {"no folder", [] { writeFile("/mnt/vex-data/m7", "in the way"); },
-         [] { unlink("/mnt/vex-data/m7"); }, "Unable to open " + kFile},
+         [] { unlink("/mnt/vex-data/m7"); }, "open"},
         {"no database",
          [] {
              mkdir("/mnt/vex-data/m7", 0755);
              writeFile(kFile, std::string(8192, 'x'));
          },
-         [] { unlink(kFile.c_str()); }, "Unable to initialise " + kFile},
+         [] { unlink(kFile.c_str()); }, "initialise"},
         {"an index under the name of a table",
          [] { query(kFile, "CREATE TABLE t (a); CREATE INDEX tbl_home_screen_icons ON t (a)"); },
-         [] { query(kFile, "DROP TABLE t"); }, "Unable to initialise " + kFile},
+         [] { query(kFile, "DROP TABLE t"); }, "initialise"},
     };
     for (const Case& c : cases) {
         c.make();
         const int before = openDescriptors();
-        for (const uint32_t flags : {2u, ~2u}) {
-            TDL_logger()->flags = flags;
+        for (const Logging& l : loggings) {
+            std::copy_n(l.loggers, 2, loggers);
+            asked = 0;
+            printed.clear();
             int32_t number = 0;
             char buffer[8] = "";
-            testing::internal::CaptureStderr();
             EXPECT_NE(DAL_CML_getDisplayOffTimeout(&number), 0);
-            const std::string first = testing::internal::GetCapturedStderr();
-            testing::internal::CaptureStderr();
+            const std::string message = l.printed + " 2 0 0 0 0 Unable to " + c.verb +
+                                        " %s: Unable to " + c.verb + " " + kFile;
+            EXPECT_EQ(asked, l.printed.empty() ? 1u : 2u);
+            EXPECT_EQ(printed,
+                      l.printed.empty() ? std::vector<std::string>() : std::vector{message})
+                << c.situation;
             EXPECT_NE(DAL_CML_getLanguage(buffer, nullptr, sizeof buffer), 0);
             EXPECT_NE(DAL_CML_setLanguage("FR"), 0);
             EXPECT_EQ(DAL_CML_isLanguagePresent(), 0);
             EXPECT_EQ(DAL_CML_listHomeScreenIconsNodes(), nullptr);
-            testing::internal::GetCapturedStderr();
             EXPECT_EQ(number, 30);
             EXPECT_STREQ(buffer, "EN");
-            // What mkdir has to say comes first.
-            const std::string message = "[2] " + c.message + "\n";
-            EXPECT_EQ(first.ends_with(message), flags == 2u) << c.situation << ": " << first;
-            EXPECT_EQ(first.find("Unable") != first.npos, flags == 2u) << first;
         }
         EXPECT_EQ(openDescriptors(), before) << c.situation;
-        TDL_logger()->flags = 0;
         EXPECT_EQ(DAL_CML_setAutoTheme(2), 0) << "the volatile one is its own";
         EXPECT_EQ(DAL_CML_deleteAll(), 1);
         EXPECT_EQ(DAL_CML_isAutoThemePresent(), 0) << "and is cleared alone";

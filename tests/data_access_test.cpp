@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "sandbox.h"
 #include "sqlite_query.h"
@@ -131,6 +133,28 @@ TEST_F(DataAccess, TheCallersTransactionIsNotDisturbed) {
     EXPECT_EQ(query(kFile, "SELECT * FROM tbl_dal_key_dal_value"), "") << "not committed yet";
     execute("COMMIT");
     EXPECT_EQ(query(kFile, "SELECT c_dal_value FROM tbl_dal_key_dal_value"), "within");
+}
+
+TEST_F(DataAccess, OtherThreadsWaitForTheEndOfATransaction) {
+    for (int32_t round = 0; round < 100; ++round) {
+        execute("BEGIN");
+        std::atomic<bool> started = false;
+        int32_t result = -1;
+        std::thread other([&] {
+            started = true;
+            result = DAL_setTypeIntLimits(db, &kItem, round, 0, 0, 100);
+        });
+        while (!started) {
+            std::this_thread::yield();
+        }
+        EXPECT_EQ(DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0), 0);
+        execute("ROLLBACK");
+        other.join();
+        int32_t stored = -1;
+        EXPECT_EQ(DAL_getTypeInt(db, &kItem, &stored, -1), 0);
+        ASSERT_EQ(stored, round) << "undone with the other thread's transaction";
+        EXPECT_EQ(result, 0);
+    }
 }
 
 }  // namespace

@@ -20,6 +20,7 @@
 namespace {
 
 int readableEntries = -1;  // of a directory, until reading it fails; -1 for no failure
+int copies = -1;           // of names, until memory runs out
 
 void* nextEntry(const char* function, DIR* directory) {
     if (readableEntries == 0) {
@@ -43,6 +44,11 @@ void* playReaddir(DIR* directory) {
 
 void* playReaddir64(DIR* directory) {
     return nextEntry("readdir64", directory);
+}
+
+extern "C" char* strdup(const char* text) noexcept {
+    copies -= copies > 0 ? 1 : 0;
+    return copies == 0 ? nullptr : strndup(text, std::strlen(text));
 }
 
 namespace {
@@ -108,6 +114,9 @@ TEST_F(Network, AnythingInTheFolderIsListed) {
     EXPECT_EQ(ports(0), (Names{"B", "eth10", "eth2", "lo"}));
     EXPECT_EQ(ports(1), Names{"lo"});
     const int before = openDescriptors();
+    copies = 3;
+    EXPECT_EQ(CML_getNetworkPortsList(0), nullptr) << "and nothing leaks";
+    copies = -1;
     readableEntries = 4;
     EXPECT_THROW(CML_getNetworkPortsList(0), std::filesystem::filesystem_error);
     readableEntries = -1;

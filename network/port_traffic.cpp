@@ -9,9 +9,9 @@
 namespace {
 
 // A counter that isn't there, is no number or doesn't fit leaves *bytes as it is.
-void readCounter(const std::filesystem::path& file, int32_t* bytes) {
+void readCounter(const std::filesystem::path& statistics, const char* name, int32_t* bytes) {
     try {
-        std::ifstream stream(file);
+        std::ifstream stream(statistics / name);
         std::stringstream content;
         content << stream.rdbuf();
         *bytes = std::stoi(content.str());
@@ -28,6 +28,6 @@ void CML_getNetworkPortInfo(const char* port, int32_t* rxBytes, int32_t* txBytes
     std::filesystem::path statistics = "/sys/class/net/";
     statistics /= port;
     statistics /= "statistics";
-    readCounter(statistics / "rx_bytes", rxBytes);
-    readCounter(statistics / "tx_bytes", txBytes);
+    readCounter(statistics, "rx_bytes", rxBytes);
+    readCounter(statistics, "tx_bytes", txBytes);
 }

@@ -6,12 +6,12 @@
  * name may not be null except where that is said. Nothing is cached: each call asks the kernel, and
  * no call is needed before another.
  *
- * Texts. A function that returns a text returns a buffer of its own, the same address at every
- * call, which is never null: a failure is the empty text. The library owns it; the caller neither
- * writes nor frees it. It holds the text until the next call of the same function, from any thread,
- * so callers on several threads take turns and copy the text before the next call. Calls of
- * different functions don't disturb each other. Every function without a text of its own may be
- * called from any thread at any time.
+ * Texts. A function that returns a text returns a buffer of its own, which is never null: a failure
+ * is the empty text. The library owns it; the caller neither writes nor frees it. It is good until
+ * the next call of the same function, from any thread, so callers on several threads take turns and
+ * copy the text before the next call. An IPv4 or IPv6 text is at the same address at every call;
+ * that of the hardware address can move. Calls of different functions don't disturb each other.
+ * Every function without a text of its own may be called from any thread at any time.
  */
 #ifndef CONSOLE_MANAGER_NETWORK_H
 #define CONSOLE_MANAGER_NETWORK_H

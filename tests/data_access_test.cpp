@@ -11,6 +11,13 @@
 #include "sandbox.h"
 #include "sqlite_query.h"
 
+static sqlite3* writer = nullptr;
+
+// Whoever waits makes the writer end its transaction.
+extern "C" int sqlite3_sleep(int) {
+    return sqlite3_exec(writer, "COMMIT", nullptr, nullptr, nullptr);
+}
+
 namespace {
 
 const std::string kFile = "/mnt/test/items.db";
@@ -54,6 +61,19 @@ class DataAccess : public Sandbox {
     std::unique_ptr<sqlite3, Close> owner;
     sqlite3* db = nullptr;
 };
+
+TEST_F(DataAccess, TheChangeOfJournalWaitsForAWriter) {
+    ASSERT_EQ(query(kFile, "PRAGMA journal_mode"), "wal");
+    owner.reset();
+    ASSERT_EQ(query(kFile, "PRAGMA journal_mode = DELETE"), "delete");
+    ASSERT_EQ(sqlite3_open(kFile.c_str(), &writer), SQLITE_OK);
+    const std::unique_ptr<sqlite3, Close> writerOwner(writer);
+    sqlite3_exec(writer, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+    ASSERT_EQ(sqlite3_open(kFile.c_str(), &db), SQLITE_OK);
+    owner.reset(db);
+    EXPECT_EQ(DAL_SetDBConfiguration(db), 0);
+    EXPECT_EQ(query(kFile, "PRAGMA journal_mode"), "wal");
+}
 
 TEST_F(DataAccess, LimitsAreInclusive) {
     EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, 5, 0, 5, 7), 0);

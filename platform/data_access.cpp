@@ -311,7 +311,8 @@ char** listNodes(sqlite3* connection, const Address& list, const Profile& profil
 // any moment: with full synchronisation it costs one fsync a commit, where a rollback journal costs
 // three or four; a writer doesn't block readers in other processes; and a commit is one append, so
 // that a kill leaves either all of it or a tail that the next open drops. Measured on ext4, an
-// update and its commit take a quarter of the time that the fastest rollback journal needs.
+// update and its commit take a quarter to two fifths of the time that the fastest rollback journal
+// needs.
 // The switch wants the file to itself, and SQLite doesn't wait for that by its busy handler: when
 // several processes make it at once, the wait is made here.
 int32_t useWriteAheadJournal(sqlite3* connection) {

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "console-manager/network.h"
@@ -69,6 +70,13 @@ class Network : public Sandbox {
             "ip addr add 2001:db8::5/64 dev wire2 nodad");
     }
 
+    // A link shows in the flags only when the kernel has come round to it.
+    static void waitFor(const std::string& port, const std::string& state) {
+        while (readFile("/sys/class/net/" + port + "/operstate") != state + "\n") {
+            std::this_thread::yield();
+        }
+    }
+
     static std::vector<std::string> ports(int32_t onlyActive) {
         std::vector<std::string> names;
         char** const list = CML_getNetworkPortsList(onlyActive);
@@ -92,6 +100,9 @@ class Network : public Sandbox {
 using Names = std::vector<std::string>;
 
 TEST_F(Network, PortsAreListedInOrderWithTheirState) {
+    waitFor("wire1", "up");
+    waitFor("wire2", "up");
+    waitFor("lone", "lowerlayerdown");
     EXPECT_EQ(ports(0), (Names{"end10", "lo", "lone", "wire1", "wire2"}));
     EXPECT_EQ(ports(-1), (Names{"lo", "wire1", "wire2"}));
     EXPECT_EQ(status("wire2"), "1: 1 1 1");
@@ -100,6 +111,7 @@ TEST_F(Network, PortsAreListedInOrderWithTheirState) {
     EXPECT_EQ(status("nothing"), "0: 0 0 0");
     run("ip link add abcdefghijklmno type veth peer name x && "
         "ip link set x up && ip link set abcdefghijklmno up");
+    waitFor("abcdefghijklmno", "up");
     EXPECT_EQ(status("abcdefghijklmnopq"), "1: 1 1 1") << "its first 15 bytes are a port";
     run("ip link del x; for p in lo wire1 wire2; do ip link set $p down; done");
     EXPECT_EQ(CML_getNetworkPortsList(1), nullptr);

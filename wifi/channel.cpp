@@ -1,0 +1,101 @@
+#include "wifi/channel.h"
+
+#include <fcntl.h>
+#include <linux/genetlink.h>
+#include <net/if.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "wifi/fatal.h"
+
+size_t wifi_channel_buffer_size() {
+    return static_cast<size_t>(std::min(sysconf(_SC_PAGESIZE), 8192L));
+}
+
+int wifi_channel_open(wifi_channel& channel, const char* interface) {
+    channel.sequence = 1;
+    channel.buffer = std::malloc(wifi_channel_buffer_size());
+    if (channel.buffer == nullptr) {
+        wifi_fatal_text("Insufficent memory for netlink socket buffer");
+    }
+    channel.interface_index = if_nametoindex(interface);
+    if (channel.interface_index == 0) {
+        wifi_report_errno("Incorrect network interface");
+        return -1;
+    }
+    channel.context = nullptr;
+    channel.socket = mnl_socket_open(NETLINK_GENERIC);
+    if (channel.socket == nullptr) {
+        wifi_fatal_errno("mnl_socket_open");
+    }
+    if (mnl_socket_bind(channel.socket, 0, MNL_SOCKET_AUTOPID) < 0) {
+        wifi_fatal_errno("mnl_socket_bind");
+    }
+    return 0;
+}
+
+void wifi_channel_close(wifi_channel& channel) {
+    std::free(channel.buffer);
+    if (channel.socket != nullptr) {
+        mnl_socket_close(channel.socket);
+    }
+}
+
+nlmsghdr* wifi_prepare_request(uint16_t nlmsg_type, uint16_t nlmsg_flags, uint8_t cmd, void* buffer,
+                               const uint32_t* sequence) {
+    nlmsghdr* const message = mnl_nlmsg_put_header(buffer);
+    message->nlmsg_type = nlmsg_type;
+    message->nlmsg_flags = nlmsg_flags;
+    message->nlmsg_seq = *sequence;
+    auto* const header =
+        static_cast<genlmsghdr*>(mnl_nlmsg_put_extra_header(message, sizeof(genlmsghdr)));
+    header->cmd = cmd;
+    header->version = 1;
+    return message;
+}
+
+void wifi_channel_send(const nlmsghdr* message, const mnl_socket* socket) {
+    if (mnl_socket_sendto(socket, message, message->nlmsg_len) < 0) {
+        wifi_fatal_errno("mnl_socket_sendto");
+    }
+}
+
+int wifi_channel_exchange(wifi_channel& channel, mnl_cb_t callback) {
+    const unsigned port = mnl_socket_get_portid(channel.socket);
+    int result = 0;
+    do {
+        const ssize_t received =
+            mnl_socket_recvfrom(channel.socket, channel.buffer, wifi_channel_buffer_size());
+        result = received <= 0 ? static_cast<int>(received)
+                               : mnl_cb_run(channel.buffer, static_cast<size_t>(received),
+                                            channel.sequence, port, callback, &channel);
+    } while (result > 0);
+    ++channel.sequence;
+    return result;
+}
+
+void SetChannelNonBlocking(const wifi_channel& channel, bool on) {
+    const int descriptor = mnl_socket_get_fd(channel.socket);
+    const int flags = fcntl(descriptor, F_GETFL, 0);
+    if (flags == -1) {
+        wifi_fatal_errno("SetChannelNonBlocking F_GETFL");
+    }
+    if (fcntl(descriptor, F_SETFL, on ? flags | O_NONBLOCK : flags & ~O_NONBLOCK) == -1) {
+        wifi_fatal_errno("SetChannelNonBlocking F_SETFL");
+    }
+}
+
+uint8_t wifi_command_of(const nlmsghdr* message) {
+    return mnl_nlmsg_get_payload_len(message) == 0
+               ? 0
+               : *static_cast<const uint8_t*>(mnl_nlmsg_get_payload(message));
+}
+
+void wifi_report_ignored(const nlmsghdr* message) {
+    std::fprintf(stderr, "Ignoring generic netlink command %u seq %u pid  %u genl cmd %u\n",
+                 unsigned{message->nlmsg_type}, unsigned{message->nlmsg_seq},
+                 unsigned{message->nlmsg_pid}, unsigned{wifi_command_of(message)});
+}

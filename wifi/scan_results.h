@@ -1,0 +1,22 @@
+// The kernel's list of networks, read into an array of the caller's.
+#pragma once
+
+#include <libmnl/libmnl.h>
+
+#include <cstdint>
+
+#include "console-manager/wifi.h"
+#include "wifi/channel.h"
+
+// What wifi_on_scan_result works on.
+struct wifi_scan_results {
+    wifi_bss_record* records;
+    int32_t capacity;  // elements of records
+    int32_t count;     // networks seen, stored or not
+};
+
+// Takes one message of an exchange on `commands`, whose context is a wifi_scan_results.
+int wifi_on_scan_result(const nlmsghdr* message, void* data);
+
+// Reads the list into the channel's context, a wifi_scan_results. Returns what the exchange gives.
+int wifi_dump_scan(wifi_channel& commands);

@@ -1,0 +1,78 @@
+#include <linux/nl80211.h>
+
+#include <cstddef>
+#include <cstring>
+
+#include "console-manager/wifi.h"
+#include "wifi/attribute_validation.h"
+#include "wifi/channel.h"
+#include "wifi/scan_results.h"
+
+static_assert(sizeof(wifi_station_record) == 56 && offsetof(wifi_station_record, bssid) == 0 &&
+              offsetof(wifi_station_record, ssid) == 6 &&
+              offsetof(wifi_station_record, status) == 40 &&
+              offsetof(wifi_station_record, signal_dbm) == 44 &&
+              offsetof(wifi_station_record, signal_avg_dbm) == 45 &&
+              offsetof(wifi_station_record, rx_packets) == 48 &&
+              offsetof(wifi_station_record, tx_packets) == 52);
+
+namespace {
+
+constexpr uint32_t kMaxStationAttribute = 42;
+
+// Takes one message of an exchange whose context is the caller's record.
+int wifi_on_station(const nlmsghdr* message, void* data) {
+    if (wifi_command_of(message) != NL80211_CMD_NEW_STATION) {
+        wifi_report_ignored(message);
+        return MNL_CB_OK;
+    }
+    const auto slots =
+        parseMessage<kMaxMessageAttribute>(message, NL80211_CMD_NEW_STATION_VALIDATION);
+    if (slots[NL80211_ATTR_STA_INFO] == nullptr) {
+        return MNL_CB_OK;
+    }
+    const auto info =
+        parseNest<kMaxStationAttribute>(slots[NL80211_ATTR_STA_INFO], NL80211_STA_INFO_VALIDATION);
+    auto& station = *static_cast<wifi_station_record*>(static_cast<wifi_channel*>(data)->context);
+    // The kernel sends signed figures as bytes.
+    if (const nlattr* const signal = info[NL80211_STA_INFO_SIGNAL]) {
+        station.signal_dbm = static_cast<int8_t>(mnl_attr_get_u8(signal));
+    }
+    if (const nlattr* const average = info[NL80211_STA_INFO_SIGNAL_AVG]) {
+        station.signal_avg_dbm = static_cast<int8_t>(mnl_attr_get_u8(average));
+    }
+    if (const nlattr* const received = info[NL80211_STA_INFO_RX_PACKETS]) {
+        station.rx_packets = mnl_attr_get_u32(received);
+    }
+    if (const nlattr* const sent = info[NL80211_STA_INFO_TX_PACKETS]) {
+        station.tx_packets = mnl_attr_get_u32(sent);
+    }
+    return MNL_CB_OK;
+}
+
+}  // namespace
+
+int32_t wifi_scan_station(wifi_data* wifi, wifi_station_record* station) {
+    wifi_channel& commands = wifi->commands;
+    // Room for one network: the one that the interface belongs to, else the first.
+    wifi_bss_record bss{};
+    wifi_scan_results results{&bss, 1, 0};
+    commands.context = &results;
+    wifi_dump_scan(commands);
+    if (results.count == 0) {
+        return 0;
+    }
+    commands.context = station;
+    nlmsghdr* const request =
+        wifi_prepare_request(commands.family_id, NLM_F_REQUEST | NLM_F_ACK, NL80211_CMD_GET_STATION,
+                             commands.buffer, &commands.sequence);
+    mnl_attr_put_u32(request, NL80211_ATTR_IFINDEX, commands.interface_index);
+    mnl_attr_put(request, NL80211_ATTR_MAC, sizeof bss.bssid, bss.bssid);
+    wifi_channel_send(request, commands.socket);
+    // The kernel refuses for a network that the interface doesn't belong to: no figures then.
+    wifi_channel_exchange(commands, wifi_on_station);
+    std::memcpy(station->bssid, bss.bssid, sizeof station->bssid);
+    std::memcpy(station->ssid, bss.ssid, sizeof station->ssid);
+    station->status = bss.status;
+    return 1;
+}

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "wifi/fatal.h"
 
@@ -46,6 +47,8 @@ void wifi_channel_close(wifi_channel& channel) {
 
 nlmsghdr* wifi_prepare_request(uint16_t nlmsg_type, uint16_t nlmsg_flags, uint8_t cmd, void* buffer,
                                const uint32_t* sequence) {
+    // libmnl leaves the padding of attributes as it finds it, and there it would find old replies.
+    std::memset(buffer, 0, wifi_channel_buffer_size());
     nlmsghdr* const message = mnl_nlmsg_put_header(buffer);
     message->nlmsg_type = nlmsg_type;
     message->nlmsg_flags = nlmsg_flags;

@@ -439,6 +439,7 @@ TEST_F(Wifi, ADumpCountsAsFarAsItWasRead) {
         {{{network(1)}, {acknowledgement(-EIO)}}, 1, ""},
         {{{network(1)}, {"", EIO}}, 1, ""},
         {{{network(1)}, {notification(NL80211_CMD_NEW_SCAN_RESULTS, 999, 0)}}, 1, ""},
+        {{{network(1) + u32(0x80000000) + network(2)}, {done()}}, 1, ""},
         {{{acknowledgement(-ENODEV)}}, 0, ""},
     };
     for (const auto& c : cases) {

@@ -12,6 +12,25 @@
 
 #include "wifi/fatal.h"
 
+namespace {
+
+// How much of a datagram is messages that lie within it. libmnl stops at the first that doesn't,
+// but up to version 1.0.4 it takes a length of 2 GiB or more for a negative one, and follows it.
+size_t lengthOfMessages(const void* datagram, size_t received) {
+    size_t length = 0;
+    while (received - length >= sizeof(nlmsghdr)) {
+        nlmsghdr head;
+        std::memcpy(&head, static_cast<const char*>(datagram) + length, sizeof head);
+        if (head.nlmsg_len < sizeof head || head.nlmsg_len > received - length) {
+            break;
+        }
+        length = std::min<size_t>(length + NLMSG_ALIGN(head.nlmsg_len), received);
+    }
+    return length;
+}
+
+}  // namespace
+
 size_t wifi_channel_buffer_size() {
     return static_cast<size_t>(std::min(sysconf(_SC_PAGESIZE), 8192L));
 }
@@ -66,15 +85,24 @@ void wifi_channel_send(const nlmsghdr* message, const mnl_socket* socket) {
     }
 }
 
+ssize_t wifi_channel_receive(const wifi_channel& channel) {
+    return mnl_socket_recvfrom(channel.socket, channel.buffer, wifi_channel_buffer_size());
+}
+
+int wifi_channel_run(wifi_channel& channel, size_t received, uint32_t sequence, uint32_t port,
+                     mnl_cb_t callback) {
+    return mnl_cb_run(channel.buffer, lengthOfMessages(channel.buffer, received), sequence, port,
+                      callback, &channel);
+}
+
 int wifi_channel_exchange(wifi_channel& channel, mnl_cb_t callback) {
     const unsigned port = mnl_socket_get_portid(channel.socket);
     int result = 0;
     do {
-        const ssize_t received =
-            mnl_socket_recvfrom(channel.socket, channel.buffer, wifi_channel_buffer_size());
+        const ssize_t received = wifi_channel_receive(channel);
         result = received <= 0 ? static_cast<int>(received)
-                               : mnl_cb_run(channel.buffer, static_cast<size_t>(received),
-                                            channel.sequence, port, callback, &channel);
+                               : wifi_channel_run(channel, static_cast<size_t>(received),
+                                                  channel.sequence, port, callback);
     } while (result > 0);
     ++channel.sequence;
     return result;

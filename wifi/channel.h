@@ -39,6 +39,14 @@ nlmsghdr* wifi_prepare_request(uint16_t nlmsg_type, uint16_t nlmsg_flags, uint8_
 // Sends a request; a failure is fatal.
 void wifi_channel_send(const nlmsghdr* message, const mnl_socket* socket);
 
+// Receives one datagram into the buffer, in the socket's present mode.
+ssize_t wifi_channel_receive(const wifi_channel& channel);
+
+// Gives each message of a datagram that has been received to the callback, with the channel as its
+// data. Returns what mnl_cb_run gives; 0 as sequence or port turns its check of that off.
+int wifi_channel_run(wifi_channel& channel, size_t received, uint32_t sequence, uint32_t port,
+                     mnl_cb_t callback);
+
 // Receives until the request that has been sent is answered in full, and gives each message to the
 // callback, with the channel as its data. Returns 0 at the end, or -1 with errno set for an error
 // reply, a reply to something else or a failed receive. The sequence moves on in any case.

@@ -44,20 +44,15 @@ int wifi_on_notification(const nlmsghdr* message, void* data) {
     return MNL_CB_OK;
 }
 
-ssize_t receiveNotifications(wifi_channel& channel) {
-    return mnl_socket_recvfrom(channel.socket, channel.buffer, wifi_channel_buffer_size());
-}
-
-// Notifications carry 0 as sequence and port; 0 in the call turns libmnl's checks of both off.
+// Notifications carry 0 as sequence and port.
 int readNotifications(wifi_channel& channel, ssize_t received) {
-    return mnl_cb_run(channel.buffer, static_cast<size_t>(received), 0, 0, wifi_on_notification,
-                      &channel);
+    return wifi_channel_run(channel, static_cast<size_t>(received), 0, 0, wifi_on_notification);
 }
 
 // Reads what has queued up since the last call.
 void ReadPastNotificationsNonBlocking(wifi_channel& channel) {
     for (;;) {
-        const ssize_t received = receiveNotifications(channel);
+        const ssize_t received = wifi_channel_receive(channel);
         if (received < 0) {
             break;
         }
@@ -85,7 +80,7 @@ int triggerScan(wifi_channel& commands) {
 bool waitForResults(wifi_channel& notifications, wifi_notification_flags& flags) {
     flags.scan_aborted = 0;
     while (flags.new_scan_results == 0 && flags.scan_aborted == 0) {
-        const ssize_t received = receiveNotifications(notifications);
+        const ssize_t received = wifi_channel_receive(notifications);
         if (received <= 0) {
             wifi_fatal_errno("Waiting for new scan results failed - mnl_socket_recvfrom");
         }

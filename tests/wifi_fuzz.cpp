@@ -1,0 +1,115 @@
+// Feeds bytes to the Wi-Fi functions as what a kernel answers and notifies.
+#include <dlfcn.h>
+#include <linux/genetlink.h>
+#include <linux/nl80211.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "console-manager/wifi.h"
+#include "nl80211_kernel.h"
+
+namespace {
+
+struct Ended {};  // the library has ended the process, or would have
+
+bool inLibrary = false;
+
+template <typename Call>
+void callLibrary(Call call) {
+    inLibrary = true;
+    try {
+        call();
+    } catch (const Ended&) {
+    }
+    inLibrary = false;
+}
+
+// Where bytes of the input can go, and the message or nest that they are put into.
+struct Place {
+    Datagrams& queue;
+    std::string (*wrap)(const std::string&);
+};
+
+std::string asItIs(const std::string& bytes) {
+    return bytes;
+}
+
+std::string familyReply(const std::string& bytes) {
+    return nl80211::reply(CTRL_CMD_NEWFAMILY, bytes, GENL_ID_CTRL);
+}
+
+std::string station(const std::string& info) {
+    return nl80211::reply(NL80211_CMD_NEW_STATION, nl80211::attribute(NL80211_ATTR_STA_INFO, info));
+}
+
+// The input is a row of pieces: a byte that says where one goes, one for a quarter of its length,
+// and the bytes.
+void readScript(std::string_view input) {
+    const Place places[] = {
+        {kernel.onDump, nl80211::network}, {kernel.onDump, asItIs},
+        {kernel.onStation, station},       {kernel.onStation, asItIs},
+        {kernel.onFamily, familyReply},    {kernel.onFamily, nl80211::family},
+        {kernel.onTrigger, asItIs},        {kernel.notifications, asItIs},
+    };
+    kernel.notificationsOnTrigger = {{nl80211::notification(NL80211_CMD_NEW_SCAN_RESULTS)}};
+    while (input.size() > 2) {
+        const Place& place = places[static_cast<uint8_t>(input[0]) % std::size(places)];
+        const std::string bytes(input.substr(2, size_t{4} * static_cast<uint8_t>(input[1])));
+        input.remove_prefix(2 + bytes.size());
+        place.queue.push_front({place.wrap(bytes)});
+    }
+}
+
+void check(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+bool ends(const char (&ssid)[33]) {
+    return std::memchr(ssid, '\0', sizeof ssid) != nullptr;
+}
+
+}  // namespace
+
+// The C library's header says that exit throws nothing; this one does.
+extern "C" [[noreturn]] void playExit(int status) __asm__("exit");
+
+void playExit(int status) {
+    if (inLibrary) {
+        throw Ended();
+    }
+    reinterpret_cast<void (*)(int)>(dlsym(RTLD_NEXT, "exit"))(status);
+    std::abort();
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    kernel.reset();
+    readScript({reinterpret_cast<const char*>(data), size});
+    // On the heap, so that a write beyond the end is seen.
+    constexpr int32_t kCapacity = 2;
+    const auto records = std::make_unique<wifi_bss_record[]>(kCapacity);
+    const auto station = std::make_unique<wifi_station_record>();
+    wifi_data* wifi = nullptr;
+    callLibrary([&] { wifi = wifi_scan_init("wlan7"); });
+    if (wifi != nullptr) {
+        callLibrary([&] {
+            const int32_t count = wifi_scan_all(wifi, records.get(), kCapacity);
+            check(count >= -1 && ends(records[0].ssid) && ends(records[1].ssid));
+        });
+        callLibrary([&] {
+            const int32_t found = wifi_scan_station(wifi, station.get());
+            check((found == 0 || found == 1) && ends(station->ssid));
+        });
+        wifi_scan_close(wifi);
+    }
+    check(kernel.openSockets == 0);
+    return 0;
+}

@@ -34,7 +34,8 @@ int32_t CML_getWifiStatus(const char* port, CML_WifiStatus* result) {
     wifi_scan_station(wifi.get(), &station);
     result->ssid = "";
     if (isConnected(station)) {
-        result->ssid = std::strcpy(ssidText, station.ssid);
+        std::memcpy(ssidText, station.ssid, sizeof ssidText);
+        result->ssid = ssidText;
     }
     result->signalDbm = station.signal_dbm;
     result->rxPackets = station.rx_packets;

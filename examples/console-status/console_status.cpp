@@ -23,6 +23,7 @@ void report() {
     reportSettings();
     reportPorts();
     reportDevice();
+    reportWifi();
 }
 
 const Command kCommands[] = {
@@ -36,6 +37,8 @@ const Command kCommands[] = {
      [](const Arguments& a) { return resetSetting(a[0]); }},
     {"list", "LIST", 1, "print the nodes of a list with their values",
      [](const Arguments& a) { return printList(a[0]); }},
+    {"scan", "PORT", 1, "print the Wi-Fi networks around a port, strongest first",
+     [](const Arguments& a) { return scanWifi(a[0]); }},
 };
 
 constexpr int kUsageError = 2;

@@ -1,25 +1,12 @@
 #include <console-manager/network.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <exception>
-#include <memory>
 #include <string>
 
+#include "port_names.h"
 #include "sections.h"
 #include "table.h"
 
 namespace {
-
-struct FreeNames {
-    void operator()(char** names) const {
-        for (char** name = names; *name != nullptr; ++name) {
-            std::free(*name);
-        }
-        std::free(names);
-    }
-};
-using Names = std::unique_ptr<char*, FreeNames>;
 
 std::string stateOf(const char* port) {
     CML_NetworkPortStatus status;
@@ -33,17 +20,10 @@ std::string stateOf(const char* port) {
 
 void reportPorts() {
     printTitle("Network ports");
-    Names names;
-    try {
-        names.reset(CML_getNetworkPortsList(0));
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "console-status: can't list the ports: %s\n", failure.what());
-        return;
-    }
     Table table(
         {"Port", "State", "IPv4", "Mask", "Gateway", "IPv6", "MAC", "Bytes in", "Bytes out"});
-    for (char** name = names.get(); name != nullptr && *name != nullptr; ++name) {
-        const char* const port = *name;
+    for (const std::string& name : portNames()) {
+        const char* const port = name.c_str();
         int32_t received = 0;
         int32_t sent = 0;
         CML_getNetworkPortInfo(port, &received, &sent);

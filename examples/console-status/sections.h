@@ -6,9 +6,11 @@
 void reportSettings();
 void reportPorts();
 void reportDevice();
+void reportWifi();
 
 // The commands give the exit status of the program: 0, or 1 after a message on stderr.
 int getSetting(const std::string& name);
 int setSetting(const std::string& name, const std::string& value);
 int resetSetting(const std::string& name);
 int printList(const std::string& name);
+int scanWifi(const std::string& port);

@@ -27,7 +27,7 @@ bool isWireless(const std::string& port) {
 std::string printable(const char* ssid) {
     std::string text = ssid;
     std::replace_if(
-        text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, '?');
+        text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == '\x7f'; }, '?');
     return text;
 }
 

@@ -5,7 +5,7 @@ set -eu
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-nm -D --defined-only --format=posix "$1" | cut -d' ' -f1 | sort >"$work/exported"
+"${NM:-nm}" -D --defined-only --format=posix "$1" | cut -d' ' -f1 | sort >"$work/exported"
 
 # Declarations only: comments and preprocessor lines are dropped, then every name that an argument
 # list, an array bracket or the end of a data declaration follows.

@@ -61,7 +61,9 @@ class Radios : public Sandbox {
         std::string files;
         for (int radio = 1; const char* own : settings) {
             const std::string port = "wlan" + std::to_string(radio++);
-            writeFile("/tmp/" + port, "interface=" + port + "\ndriver=nl80211\n" + own + "\n");
+            // Several beacons in the time for which a scan listens on a channel.
+            writeFile("/tmp/" + port,
+                      "interface=" + port + "\ndriver=nl80211\nbeacon_int=25\n" + own + "\n");
             files += " /tmp/" + port;
         }
         // It comes back when all access points are on the air.

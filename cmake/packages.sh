@@ -20,5 +20,5 @@ install_packages() {
     echo "Installing Debian packages:$missing"
     $AS_ROOT apt-get update -qq
     # shellcheck disable=SC2086
-    $AS_ROOT env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq $missing >/dev/null
+    $AS_ROOT env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null
 }

@@ -5,13 +5,12 @@
 #include <linux/genetlink.h>
 #include <linux/nl80211.h>
 #include <net/if.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 Nl80211Kernel kernel;
@@ -19,11 +18,6 @@ Nl80211Kernel kernel;
 namespace nl80211 {
 
 namespace {
-
-template <typename Record>
-std::string bytesOf(const Record& record) {
-    return {reinterpret_cast<const char*>(&record), sizeof record};
-}
 
 // Stands for the sequence and the port of whatever request is answered.
 constexpr uint32_t kOfRequest = 0xffffffff;
@@ -34,44 +28,41 @@ size_t aligned(size_t length) {
 
 std::string message(uint16_t type, uint32_t sequence, uint32_t port, const std::string& payload) {
     const auto length = static_cast<uint32_t>(sizeof(nlmsghdr) + payload.size());
-    return bytesOf(nlmsghdr{length, type, 0, sequence, port}) + payload;
+    return bytes(nlmsghdr{length, type, 0, sequence, port}) + payload;
 }
 
-std::string header(uint8_t command) {
-    return bytesOf(genlmsghdr{command, 1, 0});
+// Gives the messages of an answer the sequence and port that they answer to.
+std::string addressed(std::string datagram, uint32_t sequence, uint32_t port) {
+    for (size_t at = 0; at + sizeof(nlmsghdr) <= datagram.size();) {
+        nlmsghdr head;
+        std::memcpy(&head, datagram.data() + at, sizeof head);
+        if (head.nlmsg_seq == kOfRequest) {
+            datagram.replace(at + offsetof(nlmsghdr, nlmsg_seq), 8, u32(sequence) + u32(port));
+        }
+        at += std::max(aligned(head.nlmsg_len), sizeof head);
+    }
+    return datagram;
 }
 
 }  // namespace
 
-std::string u8(uint8_t value) {
-    return bytesOf(value);
-}
-
-std::string u16(uint16_t value) {
-    return bytesOf(value);
-}
-
-std::string u32(uint32_t value) {
-    return bytesOf(value);
-}
-
 std::string attribute(uint16_t type, const std::string& payload, int lengthOff) {
     const auto length = static_cast<uint16_t>(4 + static_cast<int>(payload.size()) + lengthOff);
-    std::string bytes = u16(length) + u16(type) + payload;
-    bytes.resize(aligned(bytes.size()));
-    return bytes;
+    std::string whole = u16(length) + u16(type) + payload;
+    whole.resize(aligned(whole.size()));
+    return whole;
 }
 
 std::string reply(uint8_t command, const std::string& attributes, uint16_t type) {
-    return message(type, kOfRequest, kOfRequest, header(command) + attributes);
+    return message(type, kOfRequest, kOfRequest, bytes(genlmsghdr{command, 1, 0}) + attributes);
 }
 
 std::string notification(uint8_t command, uint32_t sequence, uint32_t port) {
-    return message(kFamily, sequence, port, header(command));
+    return message(kFamily, sequence, port, bytes(genlmsghdr{command, 1, 0}));
 }
 
 std::string acknowledgement(int error) {
-    return message(NLMSG_ERROR, kOfRequest, kOfRequest, bytesOf(nlmsgerr{error, {}}));
+    return message(NLMSG_ERROR, kOfRequest, kOfRequest, bytes(nlmsgerr{error, {}}));
 }
 
 std::string done() {
@@ -98,18 +89,19 @@ std::string network(const std::string& bssAttributes) {
 
 }  // namespace nl80211
 
+using namespace nl80211;
+
 void Nl80211Kernel::reset() {
-    using namespace nl80211;
     *this = {};
-    onFamily = {{family(group("config", 5) + group("scan", 6) + group("mlme", 8))},
-                {acknowledgement()}};
-    onTrigger = {{acknowledgement()}};
-    onDump = {{done()}};
-    onStation = {{acknowledgement()}};
+    on[CTRL_CMD_GETFAMILY] = {family(group("config", 5) + group("scan", 6) + group("mlme", 8)),
+                              acknowledgement()};
+    on[NL80211_CMD_TRIGGER_SCAN] = {acknowledgement()};
+    on[NL80211_CMD_GET_SCAN] = {done()};
+    on[NL80211_CMD_GET_STATION] = {acknowledgement()};
 }
 
 struct mnl_socket {
-    int descriptor;  // any that can be switched to non-blocking mode
+    int descriptor;  // any whose mode can be switched
     unsigned port;
     Datagrams queue;
 };
@@ -117,6 +109,10 @@ struct mnl_socket {
 namespace {
 
 mnl_socket* notifying = nullptr;  // the socket that the kernel's notifications go to
+
+bool isBlocking(const mnl_socket* socket) {
+    return (fcntl(socket->descriptor, F_GETFL) & O_NONBLOCK) == 0;
+}
 
 bool fails(const char* function) {
     if (kernel.failing != function || --kernel.failingCall > 0) {
@@ -133,36 +129,11 @@ struct Work {
     Work& operator=(const Work&) = delete;
 };
 
-// Gives the messages of an answer the sequence and port that they answer to.
-std::string addressed(std::string bytes, uint32_t sequence, uint32_t port) {
-    for (size_t at = 0; at + sizeof(nlmsghdr) <= bytes.size();) {
-        nlmsghdr head;
-        std::memcpy(&head, bytes.data() + at, sizeof head);
-        if (head.nlmsg_seq == nl80211::kOfRequest) {
-            head.nlmsg_seq = sequence;
-            head.nlmsg_pid = port;
-            std::memcpy(bytes.data() + at, &head, sizeof head);
-        }
-        at += std::max(nl80211::aligned(head.nlmsg_len), sizeof head);
-    }
-    return bytes;
-}
-
-const Datagrams& answerTo(uint8_t command, uint16_t type) {
-    if (type == GENL_ID_CTRL) {
-        return kernel.onFamily;
-    }
-    switch (command) {
-        case NL80211_CMD_TRIGGER_SCAN:
-            return kernel.onTrigger;
-        case NL80211_CMD_GET_SCAN:
-            return kernel.onDump;
-        default:
-            return kernel.onStation;
-    }
-}
-
 }  // namespace
+
+bool Nl80211Kernel::waits() {
+    return isBlocking(notifying);
+}
 
 extern "C" {
 
@@ -178,7 +149,8 @@ mnl_socket* mnl_socket_open(int bus) {
     if (fails("mnl_socket_open") || bus != NETLINK_GENERIC) {
         return nullptr;
     }
-    auto* const opened = new mnl_socket{eventfd(0, 0), 1000u + unsigned(kernel.openSockets), {}};
+    const int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    auto* const opened = new mnl_socket{descriptor, 1000u + unsigned(kernel.openSockets), {}};
     if (++kernel.openSockets % 2 == 1) {
         notifying = opened;
     }
@@ -197,8 +169,9 @@ int mnl_socket_close(mnl_socket* socket) {
 }
 
 int mnl_socket_get_fd(const mnl_socket* socket) {
+    // A descriptor of this kind tells its flags, but doesn't let them be changed.
     if (fails("F_SETFL")) {
-        return ::open("/", O_PATH | O_CLOEXEC);
+        return open("/", O_PATH | O_CLOEXEC);
     }
     return fails("F_GETFL") ? -1 : socket->descriptor;
 }
@@ -216,14 +189,14 @@ int mnl_socket_setsockopt(const mnl_socket* socket, int option, void* value, soc
     return 0;
 }
 
-ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* bytes, size_t size) {
+ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* request, size_t size) {
     const Work work;
     if (fails("mnl_socket_sendto")) {
         return -1;
     }
     nlmsghdr head;
-    std::memcpy(&head, bytes, sizeof head);
-    const auto* const octets = static_cast<const uint8_t*>(bytes);
+    std::memcpy(&head, request, sizeof head);
+    const auto* const octets = static_cast<const uint8_t*>(request);
     std::string digits = socket == notifying ? "notifications " : "commands ";
     for (size_t i = 0; i < size; ++i) {
         char pair[3];
@@ -232,14 +205,13 @@ ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* bytes, size_t si
     }
     kernel.sent.push_back(digits);
     const uint8_t command = octets[sizeof head];
-    auto& queue = const_cast<mnl_socket*>(socket)->queue;
-    for (const Datagram& datagram : answerTo(command, head.nlmsg_type)) {
-        queue.push_back({addressed(datagram.bytes, head.nlmsg_seq, socket->port), datagram.error});
+    for (const std::string& datagram : kernel.on[command]) {
+        const_cast<mnl_socket*>(socket)->queue.push_back(
+            addressed(datagram, head.nlmsg_seq, socket->port));
     }
-    if (command == NL80211_CMD_TRIGGER_SCAN && head.nlmsg_type != GENL_ID_CTRL) {
-        kernel.notifications.insert(kernel.notifications.end(),
-                                    kernel.notificationsOnTrigger.begin(),
-                                    kernel.notificationsOnTrigger.end());
+    if (command == NL80211_CMD_TRIGGER_SCAN) {
+        auto& queue = kernel.notifications;
+        queue.insert(queue.end(), kernel.later.begin(), kernel.later.end());
     }
     return static_cast<ssize_t>(size);
 }
@@ -250,22 +222,18 @@ ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size)
     auto& queue = own.empty() && socket == notifying ? kernel.notifications : own;
     if (queue.empty()) {
         // A blocking receive would never return.
-        const bool waits = (fcntl(socket->descriptor, F_GETFL) & O_NONBLOCK) == 0;
-        errno = waits ? EDEADLK : EAGAIN;
+        errno = isBlocking(socket) ? EDEADLK : EAGAIN;
         return -1;
     }
-    const Datagram datagram = queue.front();
+    const std::string datagram = queue.front();
     queue.pop_front();
-    errno = datagram.error;
-    if (datagram.error != 0) {
+    if (datagram.size() == 1 || datagram.size() > size) {
+        errno = datagram.size() == 1 ? datagram[0] : ENOSPC;
         return -1;
     }
-    if (datagram.bytes.size() > size) {
-        errno = ENOSPC;
-        return -1;
-    }
-    std::memcpy(buffer, datagram.bytes.data(), datagram.bytes.size());
-    return static_cast<ssize_t>(datagram.bytes.size());
+    errno = 0;
+    std::memcpy(buffer, datagram.data(), datagram.size());
+    return static_cast<ssize_t>(datagram.size());
 }
 
 }  // extern "C"

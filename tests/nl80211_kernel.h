@@ -4,15 +4,26 @@
 
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <string>
 #include <vector>
 
-// Pieces of messages, as bytes. Integers are in host byte order.
+// Pieces of messages, as bytes in host byte order.
 namespace nl80211 {
 
-std::string u8(uint8_t value);
-std::string u16(uint16_t value);
-std::string u32(uint32_t value);
+template <typename Record>
+std::string bytes(const Record& record) {
+    return {reinterpret_cast<const char*>(&record), sizeof record};
+}
+inline std::string u8(uint8_t value) {
+    return bytes(value);
+}
+inline std::string u16(uint16_t value) {
+    return bytes(value);
+}
+inline std::string u32(uint32_t value) {
+    return bytes(value);
+}
 
 // An attribute with its padding; lengthOff makes its length lie.
 std::string attribute(uint16_t type, const std::string& payload, int lengthOff = 0);
@@ -25,34 +36,28 @@ std::string notification(uint8_t command, uint32_t sequence = 0, uint32_t port =
 std::string acknowledgement(int error = 0);
 std::string done();
 
-// The reply about nl80211 with one multicast group for each of groups, and one group in it.
+// The reply about nl80211 and its multicast groups, one such group, and one network of a scan with
+// the attributes of its BSS.
 std::string family(const std::string& groups);
 std::string group(const std::string& name, uint32_t id);
-
-// One network of a scan, from the attributes of its BSS.
 std::string network(const std::string& bssAttributes);
+
+// In place of a datagram: a receive that fails.
+inline std::string failure(int error) {
+    return {static_cast<char>(error)};
+}
 
 }  // namespace nl80211
 
-// What comes over a socket: bytes of a datagram, or the errno of a failed receive.
-struct Datagram {
-    std::string bytes;
-    int error = 0;
-};
-using Datagrams = std::deque<Datagram>;
+using Datagrams = std::deque<std::string>;
 
 struct Nl80211Kernel {
-    // The script. Answers to each kind of request, taken whole at each request of the kind.
-    Datagrams onFamily;
-    Datagrams onTrigger;
-    Datagrams onDump;
-    Datagrams onStation;
-    Datagrams notificationsOnTrigger;  // come when a scan has been triggered
-    Datagrams notifications;           // wait on the first socket
-
-    // What doesn't work: the name of a function, and from which call on (1 for the first).
-    std::string failing;
-    int failingCall = 1;
+    // The script.
+    std::map<int, Datagrams> on;  // the answer to each command
+    Datagrams notifications;      // wait on the first socket of a handle
+    Datagrams later;              // the same, but come when a scan has been triggered
+    std::string failing;          // a function that doesn't work
+    int failingCall = 1;          // and from which call on (1 for the first)
 
     // What was seen.
     std::vector<std::string> sent;  // requests, in hexadecimal digits
@@ -60,9 +65,12 @@ struct Nl80211Kernel {
     uint32_t joinedGroup = 0;
     bool working = false;  // the kernel's own work is under way, not the library's
 
-    // A kernel that knows nl80211 and its scan group, and answers every request with no more than
-    // its acknowledgement.
+    // A kernel that knows nl80211 and its scan group, and answers with no more than its
+    // acknowledgement.
     void reset();
+
+    // Whether a receive of notifications waits for them.
+    static bool waits();
 };
 
 extern Nl80211Kernel kernel;

@@ -53,17 +53,21 @@ std::string station(const std::string& info) {
 // and the bytes.
 void readScript(std::string_view input) {
     const Place places[] = {
-        {kernel.onDump, nl80211::network}, {kernel.onDump, asItIs},
-        {kernel.onStation, station},       {kernel.onStation, asItIs},
-        {kernel.onFamily, familyReply},    {kernel.onFamily, nl80211::family},
-        {kernel.onTrigger, asItIs},        {kernel.notifications, asItIs},
+        {kernel.on[NL80211_CMD_GET_SCAN], nl80211::network},
+        {kernel.on[NL80211_CMD_GET_SCAN], asItIs},
+        {kernel.on[NL80211_CMD_GET_STATION], station},
+        {kernel.on[NL80211_CMD_GET_STATION], asItIs},
+        {kernel.on[CTRL_CMD_GETFAMILY], familyReply},
+        {kernel.on[CTRL_CMD_GETFAMILY], nl80211::family},
+        {kernel.on[NL80211_CMD_TRIGGER_SCAN], asItIs},
+        {kernel.notifications, asItIs},
     };
-    kernel.notificationsOnTrigger = {{nl80211::notification(NL80211_CMD_NEW_SCAN_RESULTS)}};
+    kernel.later = {nl80211::notification(NL80211_CMD_NEW_SCAN_RESULTS)};
     while (input.size() > 2) {
         const Place& place = places[static_cast<uint8_t>(input[0]) % std::size(places)];
         const std::string bytes(input.substr(2, size_t{4} * static_cast<uint8_t>(input[1])));
         input.remove_prefix(2 + bytes.size());
-        place.queue.push_front({place.wrap(bytes)});
+        place.queue.push_front(place.wrap(bytes));
     }
 }
 

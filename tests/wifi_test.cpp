@@ -2,15 +2,15 @@
 #include "console-manager/wifi.h"
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <libmnl/libmnl.h>
 #include <linux/genetlink.h>
 #include <linux/nl80211.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -37,107 +37,142 @@ extern "C" void* malloc(size_t size) noexcept {
 
 namespace {
 
-constexpr char kNoPermission[] = ": Operation not permitted\n";
-constexpr char kInvalid[] = "mnl_attr_validate error: Numerical result out of range\n";
-constexpr char kSsidRefused[] =
+const std::string kPrefix = "CML: wifi-scan: ";
+const std::string kInvalid = "mnl_attr_validate error: Numerical result out of range\n";
+const std::string kRefusedSsid =
     "SSID len 0 or payload not starting from 0 or payload length > 32 or payload length > "
     "length-2!\n";
 
-class Wifi : public testing::Test {
-  protected:
-    void SetUp() override { kernel.reset(); }
-    void TearDown() override {
-        if (wifi != nullptr) {
-            wifi_scan_close(wifi);
-        }
-        EXPECT_EQ(kernel.openSockets, 0);
-    }
+const std::string kTriggered = notification(NL80211_CMD_TRIGGER_SCAN);
+const std::string kResults = notification(NL80211_CMD_NEW_SCAN_RESULTS);
+const std::string kAborted = notification(NL80211_CMD_SCAN_ABORTED);
+const std::string kNoMore = failure(EAGAIN);
 
-    // Opens a handle and forgets how.
-    void open() {
-        wifi = wifi_scan_init("wlan7");
-        ASSERT_NE(wifi, nullptr);
-        kernel.sent.clear();
-    }
+// The requests of the first call on a new handle.
+const std::string kTrigger = "commands 1c0000001c0005000100000000000000210100000800030007000000";
+const std::string kDump = "commands 1c0000001c0005030100000000000000200100000800030007000000";
+const std::string kDumpNext = "commands 1c0000001c0005030200000000000000200100000800030007000000";
 
-    wifi_data* wifi = nullptr;
-};
-
-std::string elements(const std::string& bytes) {
-    return attribute(NL80211_BSS_INFORMATION_ELEMENTS, bytes);
+std::string elements(const std::string& payload) {
+    return attribute(NL80211_BSS_INFORMATION_ELEMENTS, payload);
 }
 
 std::string ssidElement(const std::string& ssid) {
     return elements('\0' + u8(static_cast<uint8_t>(ssid.size())) + ssid + "\x01\x01\x02");
 }
 
-constexpr int kNone = -1;
-
-// A network whose attributes are all there; id tells it from the others.
-std::string network(uint8_t id, int status = kNone) {
-    return nl80211::network(
-        attribute(NL80211_BSS_BSSID, std::string(5, '\x02') + u8(id)) +
-        attribute(NL80211_BSS_FREQUENCY, u32(2400u + id)) +
-        ssidElement("net" + std::to_string(id)) +
-        (status == kNone ? "" : attribute(NL80211_BSS_STATUS, u32(static_cast<uint32_t>(status)))) +
-        attribute(NL80211_BSS_SIGNAL_MBM, u32(static_cast<uint32_t>(-100 * id))) +
-        attribute(NL80211_BSS_SEEN_MS_AGO, u32(id)));
-}
-
-std::string text(const wifi_bss_record& record) {
-    return std::to_string(record.bssid[0]) + ":" + std::to_string(record.bssid[5]) + " " +
-           std::to_string(record.frequency) + " " + record.ssid + " " +
-           std::to_string(record.status) + " " + std::to_string(record.signal_mbm) + " " +
-           std::to_string(record.seen_ms_ago);
+// Networks by number, each with its status behind a colon if it has one: "1 2:1 3". All that is
+// told of a network follows from its number.
+Datagrams networks(const std::string& list) {
+    Datagrams dump;
+    std::istringstream words(list);
+    for (std::string word; words >> word;) {
+        const auto id = static_cast<uint32_t>(word[0] - '0');
+        const auto status = static_cast<uint32_t>(word.back() - '0');
+        dump.push_back(
+            network(attribute(NL80211_BSS_BSSID, "\2\2\2\2\2" + u8(static_cast<uint8_t>(id))) +
+                    attribute(NL80211_BSS_FREQUENCY, u32(2400 + id)) +
+                    ssidElement("net" + word.substr(0, 1)) +
+                    (word.size() > 1 ? attribute(NL80211_BSS_STATUS, u32(status)) : "") +
+                    attribute(NL80211_BSS_SIGNAL_MBM, u32(0 - 100 * id)) +
+                    attribute(NL80211_BSS_SEEN_MS_AGO, u32(id))));
+    }
+    dump.push_back(done());
+    return dump;
 }
 
 const wifi_bss_record kBefore{{9, 9, 9, 9, 9, 9}, 9, "before", 9, 9, 9};
-const std::string kUntouched = "9:9 9 before 9 9 9";
 
-// What one call leaves behind: the result, the elements and the words on stderr.
-struct Scan {
-    explicit Scan(wifi_data* wifi, int32_t capacity = 3) {
-        testing::internal::CaptureStderr();
-        result = wifi_scan_all(wifi, capacity == 0 ? nullptr : records, capacity);
-        words = testing::internal::GetCapturedStderr();
+std::string text(const wifi_bss_record& record) {
+    std::ostringstream words;
+    words << int{record.bssid[0]} << ":" << int{record.bssid[5]} << " " << record.frequency << " "
+          << record.ssid << " " << record.status << " " << record.signal_mbm << " "
+          << record.seen_ms_ago;
+    return words.str();
+}
+
+// The list of networks that would leave these elements; "-" for one that nothing was written to.
+std::string list(const wifi_bss_record (&records)[4]) {
+    std::string words;
+    for (const auto& record : records) {
+        const std::string id = std::to_string(record.seen_ms_ago);
+        const std::string status = std::to_string(record.status);
+        const std::string whole = "2:" + id + " " + std::to_string(2400 + record.seen_ms_ago) +
+                                  " net" + id + " " + status + " -" + id + "00 " + id;
+        words += text(record) == text(kBefore) ? "- "
+                 : text(record) == whole       ? id + (status == "-1" ? "" : ":" + status) + " "
+                                               : text(record) + " ";
     }
-    wifi_bss_record records[4] = {kBefore, kBefore, kBefore, kBefore};
-    int32_t result;
+    return words;
+}
+
+class Wifi : public testing::Test {
+  protected:
+    void SetUp() override { kernel.reset(); }
+    void TearDown() override { close(); }
+
+    // A new handle on a new kernel.
+    void open() {
+        close();
+        kernel.reset();
+        wifi = wifi_scan_init("wlan7");
+        ASSERT_NE(wifi, nullptr);
+        kernel.sent.clear();
+    }
+    void close() {
+        if (wifi != nullptr) {
+            wifi_scan_close(wifi);
+        }
+        wifi = nullptr;
+        EXPECT_EQ(kernel.openSockets, 0);
+    }
+
+    // One scan; what it leaves behind is in the members below.
+    int32_t scan(int32_t capacity = 3) {
+        std::fill(std::begin(records), std::end(records), kBefore);
+        testing::internal::CaptureStderr();
+        const int before = allocations;
+        const int32_t result = wifi_scan_all(wifi, records, capacity);
+        const int after = allocations;
+        words = testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(after == before || !words.empty()) << "only perror may allocate";
+        EXPECT_TRUE(kernel.waits()) << "for the next call";
+        return result;
+    }
+    // A scan of which the results are there.
+    int32_t scanOf(const Datagrams& dump, int32_t capacity = 3) {
+        kernel.notifications = {kResults};
+        kernel.on[NL80211_CMD_GET_SCAN] = dump;
+        return scan(capacity);
+    }
+
+    wifi_data* wifi = nullptr;
+    wifi_bss_record records[4];
     std::string words;
 };
 
-TEST_F(Wifi, AHandleJoinsTheScanGroup) {
-    wifi = wifi_scan_init("wlan7");
-    ASSERT_NE(wifi, nullptr);
-    EXPECT_EQ(kernel.sent, std::vector<std::string>{"notifications "
-                                                    "28000000100005000100000000000000"
-                                                    "030100000600010010000000"
-                                                    "0c0002006e6c383032313100"});
-    EXPECT_EQ(kernel.joinedGroup, 6u);
-}
-
-TEST_F(Wifi, TheScanGroupIsFoundByItsName) {
-    const std::string nameless = attribute(1, attribute(CTRL_ATTR_MCAST_GRP_ID, u32(3)));
-    const std::string unended = attribute(
-        2, attribute(CTRL_ATTR_MCAST_GRP_ID, u32(4)) + attribute(CTRL_ATTR_MCAST_GRP_NAME, "scan"));
-    const std::string faultyId = attribute(
-        2, attribute(CTRL_ATTR_MCAST_GRP_ID, u16(4)) + attribute(CTRL_ATTR_MCAST_GRP_NAME, "scan"));
-    const struct {
-        std::string groups;
-        uint32_t joined;
-    } cases[] = {
+TEST_F(Wifi, TheScanGroupIsFoundByItsNameAndJoined) {
+    const auto incomplete = [](const std::string& id, const std::string& name) {
+        return attribute(1, attribute(CTRL_ATTR_MCAST_GRP_ID, id) +
+                                (name.empty() ? "" : attribute(CTRL_ATTR_MCAST_GRP_NAME, name)));
+    };
+    const std::pair<std::string, uint32_t> cases[] = {
         {group("scan", 6), 6},
-        {group("scanner", 5) + nameless + unended + group("scan", 0x01020304) + group("sca", 8),
-         0x01020304},
-        {group("scan", 6) + group("scan", 7), 7},
-        {faultyId + group("scan", 9), 9},
+        {group("sca", 8) + group("scan", 0x01020304) + group("scanner", 5), 0x01020304},
+        {group("scan", 6) + group("scan", 7) + incomplete(u32(8), ""), 7},
+        {group("scan", 6) + incomplete(u32(8), "scan"), 6},
+        {incomplete(u16(8), std::string("scan\0", 5)) + group("scan", 9), 9},
         {group("scan", 6) + attribute(1, "", 100), 6},
     };
-    for (const auto& c : cases) {
-        kernel.onFamily[0] = {family(c.groups)};
-        wifi_data* const opened = wifi_scan_init("wlan7");
-        EXPECT_EQ(kernel.joinedGroup, c.joined);
-        wifi_scan_close(opened);
+    for (const auto& [groups, joined] : cases) {
+        kernel.reset();
+        kernel.on[CTRL_CMD_GETFAMILY][0] = family(groups);
+        wifi = wifi_scan_init("wlan7");
+        EXPECT_EQ(kernel.joinedGroup, joined);
+        EXPECT_EQ(kernel.sent[0],
+                  "notifications 28000000100005000100000000000000030100000600010010000000"
+                  "0c0002006e6c383032313100");
+        close();
     }
 }
 
@@ -150,65 +185,83 @@ TEST_F(Wifi, AnUnknownInterfaceGivesNullAndKeepsNothing) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(wifi_scan_init("wlan7"), nullptr);
         EXPECT_EQ(testing::internal::GetCapturedStderr(),
-                  "CML: wifi-scan: Incorrect network interface: No such device\n");
+                  kPrefix + "Incorrect network interface: No such device\n");
         EXPECT_EQ(kernel.sent.size(), static_cast<size_t>(look - 1));
         EXPECT_EQ(kernel.openSockets, 0);
     }
     EXPECT_EQ(openDescriptors(), descriptors);
 }
 
-// Ends the process as it must: with status 1, and with these words alone.
-#define EXPECT_FATAL(statement, words) \
-    EXPECT_EXIT(statement, testing::ExitedWithCode(1), testing::Eq(std::string(words)))
-
-TEST_F(Wifi, AHandleThatCantBeHadEndsTheProcess) {
-    const std::string prefix = "CML: wifi-scan: ";
+TEST_F(Wifi, MostFailuresEndTheProcess) {
+    const auto failed = [](const char* function, int call = 1) {
+        return [=] {
+            kernel.failing = function;
+            kernel.failingCall = call;
+        };
+    };
+    const auto answered = [](const Datagrams& answer) {
+        return [=] { kernel.on[CTRL_CMD_GETFAMILY] = answer; };
+    };
+    const auto notified = [](const Datagrams& notifications) {
+        return [=] { kernel.notifications = notifications; };
+    };
+    const auto about = [](const std::string& id, const std::string& groups) {
+        return reply(CTRL_CMD_NEWFAMILY, attribute(CTRL_ATTR_FAMILY_ID, id) + groups, GENL_ID_CTRL);
+    };
+    const std::string group6 = attribute(CTRL_ATTR_MCAST_GROUPS, group("scan", 6));
+    const std::string withoutId =
+        attribute(1, attribute(CTRL_ATTR_MCAST_GRP_NAME, std::string("scan\0", 5)));
+    const std::string lookUp = kPrefix + "GetFamilyAndScanId failed: ";
+    const std::string past = kPrefix + "ReadPastNotificationsNonBlocking ";
     const std::string noRoom = ": No buffer space available\n";
-    const struct {
-        const char* failing;
-        int call;
+    const std::string noGroup = kPrefix + "No scan multicast group in generic netlink nl80211\n\n";
+    struct Case {
+        bool opened;  // the handle, before the script is made
+        std::function<void()> make;
         std::string words;
-    } failures[] = {
-        {"mnl_socket_open", 1, "mnl_socket_open" + noRoom},
-        {"mnl_socket_open", 2, "mnl_socket_open" + noRoom},
-        {"mnl_socket_bind", 2, "mnl_socket_bind" + noRoom},
-        {"mnl_socket_sendto", 1, "mnl_socket_sendto" + noRoom},
-        {"mnl_socket_setsockopt", 1, "mnl_socket_set_sockopt" + noRoom},
     };
-    for (const auto& c : failures) {
-        kernel.failing = c.failing;
-        kernel.failingCall = c.call;
-        EXPECT_FATAL(wifi_scan_init("wlan7"), prefix + c.words);
-    }
-    kernel.failing.clear();
-
-    const std::string groups = attribute(CTRL_ATTR_MCAST_GROUPS, group("scan", 6));
-    const auto withoutId = [](uint16_t type) {
-        return attribute(type, attribute(CTRL_ATTR_MCAST_GRP_NAME, std::string("scan\0", 5)));
+    // clang-format off
+    const Case cases[] = {
+        {false, failed("mnl_socket_open"), kPrefix + "mnl_socket_open" + noRoom},
+        {false, failed("mnl_socket_open", 2), kPrefix + "mnl_socket_open" + noRoom},
+        {false, failed("mnl_socket_bind", 2), kPrefix + "mnl_socket_bind" + noRoom},
+        {false, failed("mnl_socket_sendto"), kPrefix + "mnl_socket_sendto" + noRoom},
+        {false, failed("mnl_socket_setsockopt"), kPrefix + "mnl_socket_set_sockopt" + noRoom},
+        {false, answered({acknowledgement(-ENOENT)}), lookUp + "No such file or directory\n"},
+        {false, answered({failure(EPERM)}), lookUp + "Operation not permitted\n"},
+        {false, answered({notification(1, 77, 0)}), lookUp + "Protocol error\n"},
+        {false, answered({notification(1, 1, 77)}), lookUp + "No such process\n"},
+        {false, answered({acknowledgement()}), noGroup},
+        {false, answered({about(u16(28), ""), acknowledgement()}), noGroup},
+        {false, answered({family(group("mlme", 6)), acknowledgement()}), noGroup},
+        {false, answered({family(group("scan", 0)), acknowledgement()}), noGroup},
+        {false, answered({reply(CTRL_CMD_NEWFAMILY, group6, GENL_ID_CTRL)}),
+         kPrefix + "No family id attribute\n"},
+        {false, answered({about(u32(28), group6)}),
+         kInvalid + kPrefix + "No family id attribute\n"},
+        {false, answered({family(withoutId)}),
+         kPrefix + "Missing id attribute for scan multicast group\n"},
+        {true, failed("F_GETFL"), kPrefix + "SetChannelNonBlocking F_GETFL: Bad file descriptor\n"},
+        {true, failed("F_SETFL"), kPrefix + "SetChannelNonBlocking F_SETFL: Bad file descriptor\n"},
+        {true, failed("mnl_socket_sendto"), kPrefix + "mnl_socket_sendto" + noRoom},
+        {true, notified({failure(EPERM)}), past + "mnl_socket_recv failed: Operation not permitted\n"},
+        {true, notified({acknowledgement(-EPERM)}),
+         past + "mnl_cb_run failed: Operation not permitted\n"},
+        {true, notified({done()}), past + "mnl_cb_run failed: Success\n"},
+        {true, notified({kTriggered, kNoMore, failure(EPERM)}),
+         kPrefix + "Waiting for new scan results failed - mnl_socket_recvfrom: "
+                   "Operation not permitted\n"},
+        {true, notified({kTriggered, kNoMore, acknowledgement(-EPERM)}),
+         kPrefix + "Processing notificatoins failed - mnl_cb_run: Operation not permitted\n"},
     };
-    const std::string noGroup = "No scan multicast group in generic netlink nl80211\n\n";
-    const std::string failed = "GetFamilyAndScanId failed";
-    const struct {
-        Datagrams answer;
-        std::string words;
-    } answers[] = {
-        {{{acknowledgement(-ENOENT)}}, prefix + failed + ": No such file or directory\n"},
-        {{{"", EPERM}}, prefix + failed + kNoPermission},
-        {{{notification(1, 77, 0)}}, prefix + failed + ": Protocol error\n"},
-        {{{notification(1, 1, 77)}}, prefix + failed + ": No such process\n"},
-        {{{acknowledgement()}}, prefix + noGroup},
-        {{{reply(1, groups, 16)}}, prefix + "No family id attribute\n"},
-        {{{reply(1, attribute(CTRL_ATTR_FAMILY_ID, u32(28)) + groups, 16)}},
-         kInvalid + prefix + "No family id attribute\n"},
-        {{{reply(1, attribute(CTRL_ATTR_FAMILY_ID, u16(28)), 16)}, {acknowledgement()}},
-         prefix + noGroup},
-        {{{family(group("mlme", 6))}, {acknowledgement()}}, prefix + noGroup},
-        {{{family(group("scan", 0))}, {acknowledgement()}}, prefix + noGroup},
-        {{{family(withoutId(1))}}, prefix + "Missing id attribute for scan multicast group\n"},
-    };
-    for (const auto& c : answers) {
-        kernel.onFamily = c.answer;
-        EXPECT_FATAL(wifi_scan_init("wlan7"), c.words);
+    // clang-format on
+    for (const Case& c : cases) {
+        c.opened ? open() : close();
+        const auto run = [&] {
+            c.make();
+            c.opened ? wifi_scan_all(wifi, nullptr, 0) : wifi_scan_init("wlan7") != nullptr;
+        };
+        EXPECT_EXIT(run(), testing::ExitedWithCode(1), testing::Eq(c.words)) << &c - cases;
     }
 }
 
@@ -218,289 +271,158 @@ TEST_F(Wifi, MemoryThatRunsOutEndsTheProcess) {
     if (failingAllocation != 0) {
         GTEST_SKIP() << "malloc is a memory checker's here";
     }
-    const char* const words[] = {"Insufficient memory - malloc(sizeof(struct wifi_data)\n",
+    const char* const lines[] = {"Insufficient memory - malloc(sizeof(struct wifi_data)\n",
                                  "Insufficent memory for netlink socket buffer\n"};
     for (const int allocation : {1, 2}) {
-        EXPECT_FATAL((failingAllocation = allocation, wifi_scan_init("wlan7")),
-                     std::string("CML: wifi-scan: ") + words[allocation - 1]);
+        EXPECT_EXIT((failingAllocation = allocation, wifi_scan_init("wlan7")),
+                    testing::ExitedWithCode(1), testing::Eq(kPrefix + lines[allocation - 1]));
     }
 }
 
-// The requests of one call of wifi_scan_all on a new handle.
-const std::string kTrigger = "commands 1c0000001c0005000100000000000000210100000800030007000000";
-const std::string kDumpFirst = "commands 1c0000001c0005030100000000000000200100000800030007000000";
-const std::string kDumpSecond = "commands 1c0000001c0005030200000000000000200100000800030007000000";
-
 TEST_F(Wifi, NotificationsDecideWhetherToScan) {
-    const std::string triggered = notification(NL80211_CMD_TRIGGER_SCAN);
-    const std::string results = notification(NL80211_CMD_NEW_SCAN_RESULTS);
-    const std::string aborted = notification(NL80211_CMD_SCAN_ABORTED);
     const std::string line = "Ignoring generic netlink command type 28 seq 0 pid  0 genl cmd ";
-    const struct {
+    const std::string empty = notification(0).substr(0, 16).replace(0, 4, u32(16));
+    const std::string others = notification(NL80211_CMD_NEW_SCAN_RESULTS, 0, 5) +
+                               notification(NL80211_CMD_NEW_SCAN_RESULTS, 5, 0);
+    const std::string othersTrigger = notification(NL80211_CMD_TRIGGER_SCAN, 5, 5);
+    struct Case {
         const char* situation;
         Datagrams past;
-        Datagrams later;  // arrive after the trigger, or when the wait begins
+        Datagrams later;  // come after the trigger
         bool triggers;
         int32_t result;
         std::string words;
-    } cases[] = {
-        {"nothing yet", {}, {{triggered}, {results}}, true, 1, ""},
-        {"a scan runs", {{triggered}, {"", EAGAIN}}, {{results}}, false, 1, ""},
-        {"a scan runs, in progress", {{triggered}, {"", EINPROGRESS}}, {{results}}, false, 1, ""},
-        {"a scan has ended", {{triggered}, {results}}, {}, false, 1, ""},
-        {"two in a datagram", {{triggered + results}}, {}, false, 1, ""},
-        {"results of another's making",
-         {{notification(NL80211_CMD_NEW_SCAN_RESULTS, 0, 5)},
-          {notification(NL80211_CMD_NEW_SCAN_RESULTS, 5, 0)}},
-         {{results}},
-         true,
-         1,
-         ""},
-        {"a trigger of another's making",
-         {{notification(NL80211_CMD_TRIGGER_SCAN, 5, 5)}, {"", EAGAIN}},
-         {{results}},
-         false,
-         1,
-         ""},
-        {"something else", {{notification(77)}}, {{results}}, true, 1, line + "77\n"},
-        {"a message without a command",
-         {{notification(0).substr(0, 16).replace(0, 4, u32(16))}},
-         {{results}},
-         true,
-         1,
-         line + "0\n"},
-        {"given up before", {{triggered}, {aborted}}, {{results}}, true, 1, line + "35\n"},
-        {"given up, and another runs",
-         {{aborted}, {triggered}, {"", EAGAIN}},
-         {{results}},
-         false,
-         1,
-         line + "35\n"},
-        {"given up after results", {{results}, {aborted}}, {}, false, 1, line + "35\n"},
-        {"given up in the wait", {}, {{triggered}, {aborted}, {results}}, true, -1, line + "35\n"},
     };
-    for (const auto& c : cases) {
+    // clang-format off
+    const Case cases[] = {
+        {"nothing yet", {}, {kTriggered, kResults}, true, 1, ""},
+        {"a scan runs", {kTriggered, kNoMore, kResults}, {}, false, 1, ""},
+        {"the same, in other words", {kTriggered, failure(EINPROGRESS), kResults}, {}, false, 1, ""},
+        {"a scan has ended", {kTriggered, kResults}, {}, false, 1, ""},
+        {"the same in one datagram", {kTriggered + kResults}, {}, false, 1, ""},
+        {"results that aren't the kernel's", {others}, {kResults}, true, 1, ""},
+        {"a trigger that isn't", {othersTrigger, kNoMore, kResults}, {}, false, 1, ""},
+        {"something else", {notification(77)}, {kResults}, true, 1, line + "77\n"},
+        {"a message without a command", {empty}, {kResults}, true, 1, line + "0\n"},
+        {"given up before", {kTriggered, kAborted}, {kResults}, true, 1, line + "35\n"},
+        {"another runs", {kAborted, kTriggered, kNoMore, kResults}, {}, false, 1, line + "35\n"},
+        {"given up after results", {kResults, kAborted}, {}, false, 1, line + "35\n"},
+        {"given up in the wait", {}, {kTriggered, kAborted, kResults}, true, -1, line + "35\n"},
+    };
+    // clang-format on
+    for (const Case& c : cases) {
         SCOPED_TRACE(c.situation);
-        kernel.reset();
         open();
-        kernel.onDump = {{network(1)}, {done()}};
+        kernel.on[NL80211_CMD_GET_SCAN] = networks("1");
         kernel.notifications = c.past;
-        Datagrams& later = c.triggers ? kernel.notificationsOnTrigger : kernel.notifications;
-        later.insert(later.end(), c.later.begin(), c.later.end());
-        const Scan scan(wifi);
-        EXPECT_EQ(scan.result, c.result);
-        EXPECT_EQ(scan.words, c.words);
-        std::vector<std::string> requests;
-        if (c.triggers) {
-            requests.push_back(kTrigger);
-        }
-        if (c.result >= 0) {
-            requests.push_back(c.triggers ? kDumpSecond : kDumpFirst);
-        }
+        kernel.later = c.later;
+        EXPECT_EQ(scan(), c.result);
+        EXPECT_EQ(words, c.words);
+        auto requests = c.triggers ? std::vector{kTrigger, kDumpNext} : std::vector{kDump};
+        requests.resize(requests.size() - (c.result < 0 ? 1u : 0u));
         EXPECT_EQ(kernel.sent, requests);
-
-        // The handle is as good as before, whatever came of the call.
-        kernel.notifications = {{results}};
-        EXPECT_EQ(Scan(wifi).result, 1);
-        wifi_scan_close(wifi);
-        wifi = nullptr;
+        EXPECT_EQ(scanOf(networks("1 2")), 2) << "the handle is as good as before";
     }
-}
-
-TEST_F(Wifi, ARefusedScanGivesMinusOneInSilence) {
-    open();
-    for (const Datagram& refusal : {Datagram{acknowledgement(-EBUSY)}, Datagram{"", EIO}}) {
-        kernel.onTrigger = {refusal};
-        const Scan scan(wifi);
-        EXPECT_EQ(scan.result, -1);
-        EXPECT_EQ(scan.words, "");
-        EXPECT_EQ(text(scan.records[0]), kUntouched);
+    for (const std::string& refusal : {acknowledgement(-EBUSY), failure(EIO)}) {
+        open();
+        kernel.on[NL80211_CMD_TRIGGER_SCAN] = {refusal};
+        EXPECT_EQ(scan(), -1);
+        EXPECT_EQ(words + list(records), "- - - - ");
+        EXPECT_EQ(scanOf(networks("1")), 1);
+        EXPECT_EQ(kernel.sent, (std::vector{kTrigger, kDumpNext}));
     }
-    kernel.onTrigger = {{acknowledgement()}};
-    kernel.notificationsOnTrigger = {{notification(NL80211_CMD_NEW_SCAN_RESULTS)}};
-    EXPECT_EQ(Scan(wifi).result, 0) << "the third number in turn";
-}
-
-TEST_F(Wifi, ASocketThatFailsInAScanEndsTheProcess) {
-    open();
-    const std::string past = "CML: wifi-scan: ReadPastNotificationsNonBlocking ";
-    const struct {
-        Datagrams notifications;
-        std::string words;
-    } cases[] = {
-        {{{"", EPERM}}, past + "mnl_socket_recv failed" + kNoPermission},
-        {{{acknowledgement(-EPERM)}}, past + "mnl_cb_run failed" + kNoPermission},
-        {{{done()}}, past + "mnl_cb_run failed: Success\n"},
-        {{{notification(NL80211_CMD_TRIGGER_SCAN)}, {"", EAGAIN}, {"", EPERM}},
-         std::string("CML: wifi-scan: Waiting for new scan results failed - mnl_socket_recvfrom") +
-             kNoPermission},
-        {{{notification(NL80211_CMD_TRIGGER_SCAN)}, {"", EAGAIN}, {acknowledgement(-EPERM)}},
-         std::string("CML: wifi-scan: Processing notificatoins failed - mnl_cb_run") +
-             kNoPermission},
-    };
-    for (const auto& c : cases) {
-        kernel.notifications = c.notifications;
-        EXPECT_FATAL(wifi_scan_all(wifi, nullptr, 0), c.words);
-    }
-    kernel.notifications = {};
-    kernel.failing = "mnl_socket_sendto";
-    EXPECT_FATAL(wifi_scan_all(wifi, nullptr, 0),
-                 "CML: wifi-scan: mnl_socket_sendto: No buffer space available\n");
-    kernel.failing = "F_GETFL";
-    EXPECT_FATAL(wifi_scan_all(wifi, nullptr, 0),
-                 "CML: wifi-scan: SetChannelNonBlocking F_GETFL: Bad file descriptor\n");
-    // Descriptors of this kind tell their flags, but don't let them be changed.
-    kernel.failing = "F_SETFL";
-    EXPECT_FATAL(wifi_scan_all(wifi, nullptr, 0),
-                 "CML: wifi-scan: SetChannelNonBlocking F_SETFL: Bad file descriptor\n");
 }
 
 TEST_F(Wifi, TheJoinedNetworkComesFirst) {
-    const auto shown = [](int id, int status = kNone) {
-        return "2:" + std::to_string(id) + " " + std::to_string(2400 + id) + " net" +
-               std::to_string(id) + " " + std::to_string(status) + " " + std::to_string(-100 * id) +
-               " " + std::to_string(id);
-    };
-    const std::string old = kUntouched;
     const struct {
-        const char* situation;
+        const char* dump;
         int32_t capacity;
-        std::vector<std::string> messages;
         int32_t result;
-        std::vector<std::string> expected;  // of four elements
+        const char* records;
     } cases[] = {
-        {"none", 3, {}, 0, {old, old, old, old}},
-        {"none joined", 3, {network(1), network(2, 0)}, 2, {shown(1), shown(2, 0), old, old}},
-        {"first", 3, {network(1, 1), network(2)}, 2, {shown(1, 1), shown(2), old, old}},
-        {"in the middle",
-         3,
-         {network(1), network(2, 1), network(3)},
-         3,
-         {shown(2, 1), shown(1), shown(3), old}},
-        {"last",
-         3,
-         {network(1), network(2), network(3, 2)},
-         3,
-         {shown(3, 2), shown(2), shown(1), old}},
-        {"twice",
-         4,
-         {network(1, 1), network(2), network(3, 2)},
-         3,
-         {shown(3, 2), shown(2), shown(1, 1), old}},
-        {"beyond the array",
-         2,
-         {network(1), network(2), network(3), network(4, 1)},
-         4,
-         {shown(4, 1), shown(2), old, old}},
-        {"an array of one",
-         1,
-         {network(1), network(2, 1), network(3, 3)},
-         3,
-         {shown(2, 1), old, old, old}},
-        {"no array", 0, {network(1, 1), network(2)}, 2, {old, old, old, old}},
-        {"messages that are no network",
-         3,
-         {reply(NL80211_CMD_NEW_SCAN_RESULTS, attribute(NL80211_ATTR_IFINDEX, u32(7))), network(1)},
-         1,
-         {shown(1), old, old, old}},
+        {"", 3, 0, "- - - - "},
+        {"1 2:0", 3, 2, "1 2:0 - - "},
+        {"1:1 2", 3, 2, "1:1 2 - - "},
+        {"1 2:1 3", 3, 3, "2:1 1 3 - "},
+        {"1 2 3:2", 3, 3, "3:2 2 1 - "},
+        {"1:1 2 3:2", 4, 3, "3:2 2 1:1 - "},
+        {"1 2 3 4:1", 2, 4, "4:1 2 - - "},
+        {"1 2:1 3:3", 1, 3, "2:1 - - - "},
+        {"1:1 2", 0, 2, "- - - - "},
     };
+    open();
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.situation);
-        kernel.reset();
-        open();
-        kernel.notifications = {{notification(NL80211_CMD_NEW_SCAN_RESULTS)}};
-        kernel.onDump.clear();
-        for (const std::string& message : c.messages) {
-            kernel.onDump.push_back({message});
-        }
-        kernel.onDump.push_back({done()});
-        const int before = allocations;
-        wifi_bss_record records[4] = {kBefore, kBefore, kBefore, kBefore};
-        const int32_t result = wifi_scan_all(wifi, c.capacity == 0 ? nullptr : records, c.capacity);
-        EXPECT_EQ(allocations, before) << "nothing is allocated";
-        EXPECT_EQ(result, c.result);
-        for (size_t i = 0; i < c.expected.size(); ++i) {
-            EXPECT_EQ(text(records[i]), c.expected[i]) << i;
-        }
-        wifi_scan_close(wifi);
-        wifi = nullptr;
+        EXPECT_EQ(scanOf(networks(c.dump), c.capacity), c.result) << c.dump;
+        EXPECT_EQ(list(records), c.records) << c.dump;
     }
 }
 
 TEST_F(Wifi, ADumpCountsAsFarAsItWasRead) {
-    open();
-    const std::string line = "Ignoring generic netlink command 28 seq 1 pid  1001 genl cmd 77\n";
+    const std::string one = networks("1")[0];
+    std::string endless = one;
+    endless.replace(0, 4, u32(0x80000010));
+    const std::string ifindex = attribute(NL80211_ATTR_IFINDEX, u32(7));
     const struct {
         Datagrams dump;
         int32_t result;
         std::string words;
     } cases[] = {
-        {{{reply(77, "")}, {network(1) + network(2)}, {done()}}, 2, line},
-        {{{network(1)}, {acknowledgement(-EIO)}}, 1, ""},
-        {{{network(1)}, {"", EIO}}, 1, ""},
-        {{{network(1)}, {notification(NL80211_CMD_NEW_SCAN_RESULTS, 999, 0)}}, 1, ""},
-        {{{network(1) + u32(0x80000000) + network(2)}, {done()}}, 1, ""},
-        {{{acknowledgement(-ENODEV)}}, 0, ""},
+        {{reply(77, ""), one + one, done()},
+         2,
+         "Ignoring generic netlink command 28 seq 1 pid  1001 genl cmd 77\n"},
+        {{reply(NL80211_CMD_NEW_SCAN_RESULTS, ifindex), one, done()}, 1, ""},
+        {{one, acknowledgement(-EIO)}, 1, ""},
+        {{one, failure(EIO)}, 1, ""},
+        {{one, notification(NL80211_CMD_NEW_SCAN_RESULTS, 999, 0)}, 1, ""},
+        {{one + endless, done()}, 1, ""},
+        {{acknowledgement(-ENODEV)}, 0, ""},
     };
     for (const auto& c : cases) {
-        kernel.onDump = c.dump;
-        kernel.notifications = {{notification(NL80211_CMD_NEW_SCAN_RESULTS)}};
-        const Scan scan(wifi);
-        EXPECT_EQ(scan.result, c.result);
-        EXPECT_EQ(scan.words, c.words);
+        open();
+        EXPECT_EQ(scanOf(c.dump), c.result);
+        EXPECT_EQ(words, c.words);
     }
 }
 
 TEST_F(Wifi, AttributesAreReadByTheirRules) {
     const std::string bssid = attribute(NL80211_BSS_BSSID, "\1\2\3\4\5\6");
     const std::string frequency = attribute(NL80211_BSS_FREQUENCY, u32(5180));
-    const std::string longSsid(32, 'x');
-    const auto named = [](const std::string& ssid) { return "9:9 9 " + ssid + " -1 9 9"; };
-    const struct {
+    const std::string large(32, 'x');
+    struct Case {
         const char* situation;
         std::string bss;
-        std::string expected;
+        std::string expected;  // but for the status and the last two figures
         std::string words;
-    } cases[] = {
-        {"nothing", "", named("before"), ""},
-        {"two figures", bssid + frequency, "1:6 5180 before -1 9 9", ""},
-        {"a BSSID of 5 bytes, first", attribute(NL80211_BSS_BSSID, "12345") + frequency,
-         named("before"), kInvalid},
-        {"a BSSID of 7 bytes, last", frequency + attribute(NL80211_BSS_BSSID, "1234567"),
-         "9:9 5180 before -1 9 9", kInvalid},
-        {"a status of 2 bytes", bssid + attribute(NL80211_BSS_STATUS, u16(1)) + frequency,
-         "1:6 9 before -1 9 9", kInvalid},
-        {"numbers without a rule", attribute(3, "xyz") + attribute(19, "") + frequency,
-         "9:9 5180 before -1 9 9", ""},
-        {"numbers above the tables", attribute(20, "") + attribute(0x3fff, "x") + frequency,
-         "9:9 5180 before -1 9 9", ""},
-        {"an attribute that goes too far", bssid + attribute(NL80211_BSS_FREQUENCY, u32(1), 8),
-         "1:6 9 before -1 9 9", ""},
-        {"a name", ssidElement("name"), named("name"), ""},
-        {"a hidden name", ssidElement(""), named(""), ""},
-        {"a name of 32 bytes", ssidElement(longSsid), named(longSsid), ""},
-        {"a name of 33 bytes", ssidElement(longSsid + "x"), named(""), kSsidRefused},
-        {"a name with a NUL", ssidElement(std::string("ab\0cd", 5)), named("ab"), ""},
-        {"an exact fit", elements(std::string("\0\5abcde", 7)), named("abcde"), ""},
-        {"a byte too few", elements(std::string("\0\5abcd", 6)), named(""), kSsidRefused},
-        {"an id alone", elements(std::string("\0", 1)), named(""), kSsidRefused},
-        {"no elements", elements(""), named(""), kSsidRefused},
-        {"another element first", elements(std::string("\1\1x\0\1y", 6)), named(""), kSsidRefused},
-        {"a faulty name among good figures", bssid + elements("") + frequency, "1:6 5180  -1 9 9",
-         kSsidRefused},
     };
+    // clang-format off
+    const Case cases[] = {
+        {"nothing", "", "9:9 9 before", ""},
+        {"a BSSID of 5 bytes, first", attribute(1, "12345") + frequency, "9:9 9 before", kInvalid},
+        {"a BSSID of 7 bytes, last", frequency + attribute(1, "1234567"), "9:9 5180 before", kInvalid},
+        {"a status of 2 bytes", bssid + attribute(9, u16(1)) + frequency, "1:6 9 before", kInvalid},
+        {"no rule", attribute(3, "xyz") + attribute(19, "") + frequency, "9:9 5180 before", ""},
+        {"above the table", attribute(20, "") + attribute(99, "x") + bssid, "1:6 9 before", ""},
+        {"a length beyond the nest", bssid + attribute(2, u32(1), 8), "1:6 9 before", ""},
+        {"a name", ssidElement("name"), "9:9 9 name", ""},
+        {"a hidden name", ssidElement(""), "9:9 9 ", ""},
+        {"a name of 32 bytes", ssidElement(large), "9:9 9 " + large, ""},
+        {"a name of 33 bytes", ssidElement(large + "x"), "9:9 9 ", kRefusedSsid},
+        {"a name with a NUL", ssidElement(std::string("ab\0cd", 5)), "9:9 9 ab", ""},
+        {"an exact fit", elements(std::string("\0\5abcde", 7)), "9:9 9 abcde", ""},
+        {"a byte too few", elements(std::string("\0\5abcd", 6)), "9:9 9 ", kRefusedSsid},
+        {"an id alone", elements(std::string("\0", 1)), "9:9 9 ", kRefusedSsid},
+        {"another element first", elements(std::string("\1\1x\0\1y", 6)), "9:9 9 ", kRefusedSsid},
+        {"no elements, the rest good", bssid + elements("") + frequency, "1:6 5180 ", kRefusedSsid},
+    };
+    // clang-format on
     open();
-    for (const auto& c : cases) {
-        kernel.notifications = {{notification(NL80211_CMD_NEW_SCAN_RESULTS)}};
-        kernel.onDump = {{nl80211::network(c.bss)}, {done()}};
-        const Scan scan(wifi);
-        EXPECT_EQ(scan.result, 1) << c.situation;
-        EXPECT_EQ(text(scan.records[0]), c.expected) << c.situation;
-        EXPECT_EQ(scan.words, c.words) << c.situation;
+    for (const Case& c : cases) {
+        EXPECT_EQ(scanOf({network(c.bss), done()}), 1) << c.situation;
+        EXPECT_EQ(text(records[0]), c.expected + " -1 9 9") << c.situation;
+        EXPECT_EQ(words, c.words) << c.situation;
     }
-    kernel.notifications = {{notification(NL80211_CMD_NEW_SCAN_RESULTS)}};
-    kernel.onDump = {{nl80211::network(ssidElement(std::string("a\0b", 3)))}, {done()}};
-    EXPECT_EQ(std::string(Scan(wifi).records[0].ssid, 7), std::string("a\0\0\0re\0", 7));
+    scanOf({network(ssidElement(std::string("a\0b", 3))), done()});
+    EXPECT_EQ(std::string(records[0].ssid, 7), std::string("a\0\0\0re\0", 7));
 }
 
 std::string station(const std::string& info) {
@@ -515,66 +437,48 @@ std::string figures(int signal, uint32_t received, uint32_t sent) {
 }
 
 TEST_F(Wifi, TheStationIsThatOfTheJoinedNetwork) {
-    const std::string request =
-        "commands 280000001c00050002000000000000001101000008000300070000000a000600020202020202";
+    const std::string faulty = attribute(NL80211_STA_INFO_TX_PACKETS, u32(7)) +
+                               attribute(NL80211_STA_INFO_SIGNAL, u16(1)) +
+                               attribute(NL80211_STA_INFO_RX_PACKETS, u32(7));
     const struct {
-        const char* situation;
         Datagrams dump;
         Datagrams answer;
         std::string expected;  // result, BSSID's end, SSID, status and the four figures
         std::string words;
     } cases[] = {
-        {"no network", {{done()}}, {}, "0 9 before 9 9 9 9 9", ""},
-        {"a failed dump", {{acknowledgement(-EPERM)}}, {}, "0 9 before 9 9 9 9 9", ""},
-        {"joined",
-         {{network(1)}, {network(2, 1)}, {network(3)}, {done()}},
-         {{station(figures(-60, 5, 4000000000))}, {acknowledgement()}},
+        {networks(""), {}, "0 9 before 9 9 9 9 9", ""},
+        {{acknowledgement(-EPERM)}, {}, "0 9 before 9 9 9 9 9", ""},
+        {networks("1 2:1 3"),
+         {station(figures(-60, 5, 4000000000)), acknowledgement()},
          "1 2 net2 1 -60 -61 5 4000000000",
          ""},
-        {"not joined",
-         {{network(1)}, {network(2)}, {done()}},
-         {{acknowledgement(-ENOENT)}},
-         "1 1 net1 -1 9 9 9 9",
-         ""},
-        {"half the figures",
-         {{network(2, 2)}, {done()}},
-         {{station(attribute(NL80211_STA_INFO_TX_PACKETS, u32(7)) +
-                   attribute(NL80211_STA_INFO_SIGNAL, u16(1)) +
-                   attribute(NL80211_STA_INFO_RX_PACKETS, u32(7)))},
-          {acknowledgement()}},
-         "1 2 net2 2 9 9 9 7",
-         kInvalid},
-        {"no figures, and another message",
-         {{network(2, 1)}, {done()}},
-         {{reply(NL80211_CMD_NEW_STATION, "")}, {reply(18, "")}, {acknowledgement()}},
+        {networks("1 2"), {acknowledgement(-ENOENT)}, "1 1 net1 -1 9 9 9 9", ""},
+        {networks("2:2"), {station(faulty), acknowledgement()}, "1 2 net2 2 9 9 9 7", kInvalid},
+        {networks("2:1"),
+         {reply(NL80211_CMD_NEW_STATION, ""), reply(18, ""), acknowledgement()},
          "1 2 net2 1 9 9 9 9",
          "Ignoring generic netlink command 28 seq 2 pid  1001 genl cmd 18\n"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.situation);
-        kernel.reset();
         open();
-        kernel.onDump = c.dump;
-        kernel.onStation = c.answer;
+        kernel.on[NL80211_CMD_GET_SCAN] = c.dump;
+        kernel.on[NL80211_CMD_GET_STATION] = c.answer;
         wifi_station_record record{{9, 9, 9, 9, 9, 9}, "before", 9, 9, 9, 9, 9};
         testing::internal::CaptureStderr();
-        const int32_t result = wifi_scan_station(wifi, &record);
+        std::ostringstream outcome;
+        outcome << wifi_scan_station(wifi, &record);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), c.words);
-        EXPECT_EQ(std::to_string(result) + " " + std::to_string(record.bssid[5]) + " " +
-                      record.ssid + " " + std::to_string(record.status) + " " +
-                      std::to_string(record.signal_dbm) + " " +
-                      std::to_string(record.signal_avg_dbm) + " " +
-                      std::to_string(record.rx_packets) + " " + std::to_string(record.tx_packets),
-                  c.expected);
-        std::vector<std::string> requests{kDumpFirst};
-        if (result == 1) {
-            char last[8];
-            std::snprintf(last, sizeof last, "%02x0000", unsigned{record.bssid[5]});
-            requests.push_back(request.substr(0, request.size() - 2) + last);
+        outcome << " " << int{record.bssid[5]} << " " << record.ssid << " " << record.status << " "
+                << int{record.signal_dbm} << " " << int{record.signal_avg_dbm} << " "
+                << record.rx_packets << " " << record.tx_packets;
+        EXPECT_EQ(outcome.str(), c.expected);
+        EXPECT_EQ(kernel.sent[0], kDump);
+        if (kernel.sent.size() > 1) {
+            EXPECT_EQ(kernel.sent[1],
+                      "commands 280000001c0005000200000000000000110100000800030007000000"
+                      "0a00060002020202020" +
+                          c.expected.substr(2, 1) + "0000");
         }
-        EXPECT_EQ(kernel.sent, requests);
-        wifi_scan_close(wifi);
-        wifi = nullptr;
     }
 }
 
@@ -583,63 +487,57 @@ TEST_F(Wifi, TheStatusTellsOfALinkWithTraffic) {
         int signal;
         uint32_t received;
         uint32_t sent;
-        const char* ssid;
+        std::string ssid;
     } cases[] = {
         {-60, 0, 1, "net2"}, {-60, 1, 0, "net2"}, {-60, 0, 0, ""},
         {1, 5, 5, ""},       {0, 5, 5, "net2"},   {2, 5, 5, "net2"},
     };
     const char* kept = nullptr;
     for (const auto& c : cases) {
-        kernel.onDump = {{network(1)}, {network(2, 1)}, {done()}};
-        kernel.onStation = {{station(figures(c.signal, c.received, c.sent))}, {acknowledgement()}};
+        kernel.on[NL80211_CMD_GET_SCAN] = networks("1 2:1");
+        kernel.on[NL80211_CMD_GET_STATION] = {station(figures(c.signal, c.received, c.sent)),
+                                              acknowledgement()};
         CML_WifiStatus status{"x", 9, 9, 9};
         EXPECT_EQ(CML_getWifiStatus("wlan7", &status), 1);
-        EXPECT_STREQ(status.ssid, c.ssid);
-        EXPECT_EQ(status.signalDbm, c.signal);
-        EXPECT_EQ(status.rxPackets, c.received);
-        EXPECT_EQ(status.txPackets, c.sent);
-        EXPECT_EQ(kernel.openSockets, 0);
-        if (*c.ssid != '\0') {
-            EXPECT_TRUE(kept == nullptr || kept == status.ssid) << "one buffer";
-            kept = status.ssid;
-        }
+        EXPECT_EQ(status.ssid, c.ssid);
+        EXPECT_TRUE(status.signalDbm == c.signal && status.rxPackets == c.received &&
+                    status.txPackets == c.sent);
+        kept = kept == nullptr ? status.ssid : kept;
+        EXPECT_TRUE(c.ssid.empty() || status.ssid == kept) << "one buffer";
         EXPECT_STREQ(kept, "net2") << "an empty text leaves it alone";
     }
     CML_WifiStatus status{"x", 9, 9, 9};
-    EXPECT_EQ(CML_getWifiStatus(nullptr, &status), 0);
+    EXPECT_EQ(CML_getWifiStatus(nullptr, &status) + CML_getWifiStatus("wlan7", nullptr), 0);
     EXPECT_STREQ(status.ssid, "x");
-    EXPECT_EQ(CML_getWifiStatus("wlan7", nullptr), 0);
-    kernel.onDump = {{done()}};
+    kernel.on[NL80211_CMD_GET_SCAN] = networks("");
     EXPECT_EQ(CML_getWifiStatus("wlan7", &status), 1);
     EXPECT_TRUE(*status.ssid == '\0' && status.signalDbm == 0 && status.rxPackets == 0);
     status = {"x", 9, 9, 9};
     testing::internal::CaptureStderr();
     EXPECT_EQ(CML_getWifiStatus("wlan8", &status), 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "CML: wifi-scan: Incorrect network interface: No such device\n");
+              kPrefix + "Incorrect network interface: No such device\n");
     EXPECT_TRUE(status.ssid == nullptr && status.signalDbm == 0 && status.txPackets == 0);
 }
 
 TEST_F(Wifi, TheRuleTablesAreExported) {
-    const auto rows = [](const wifi_attribute_rule* rules, int32_t length) {
-        std::string all;
+    std::string all;
+    const auto add = [&](const wifi_attribute_rule* rules, int32_t length) {
         for (int32_t i = 0; i < length; ++i) {
             all += std::to_string(rules[i].attribute) + "/" + std::to_string(rules[i].type) + "/" +
                    std::to_string(rules[i].length) + " ";
         }
-        return all;
+        all += "- ";
     };
-    EXPECT_EQ(rows(NL80211_VALIDATION, NL80211_VALIDATION_LENGTH), "1/2/0 7/8/0 ");
-    EXPECT_EQ(rows(NL80211_MCAST_GROUPS_VALIDATION, NL80211_MCAST_GROUPS_VALIDATION_LENGTH),
-              "2/3/0 1/5/0 ");
-    EXPECT_EQ(rows(NL80211_NEW_SCAN_RESULTS_VALIDATION, NL80211_NEW_SCAN_RESULTS_VALIDATION_LENGTH),
-              "3/3/0 45/8/0 47/8/0 ");
-    EXPECT_EQ(rows(NL80211_BSS_VALIDATION, NL80211_BSS_VALIDATION_LENGTH),
-              "1/11/6 2/3/0 6/11/0 9/3/0 7/3/0 10/3/0 ");
-    EXPECT_EQ(rows(NL80211_CMD_NEW_STATION_VALIDATION, NL80211_CMD_NEW_STATION_VALIDATION_LENGTH),
-              "21/8/0 ");
-    EXPECT_EQ(rows(NL80211_STA_INFO_VALIDATION, NL80211_STA_INFO_VALIDATION_LENGTH),
-              "7/1/0 13/1/0 9/3/0 10/3/0 ");
+    add(NL80211_VALIDATION, NL80211_VALIDATION_LENGTH);
+    add(NL80211_MCAST_GROUPS_VALIDATION, NL80211_MCAST_GROUPS_VALIDATION_LENGTH);
+    add(NL80211_NEW_SCAN_RESULTS_VALIDATION, NL80211_NEW_SCAN_RESULTS_VALIDATION_LENGTH);
+    add(NL80211_BSS_VALIDATION, NL80211_BSS_VALIDATION_LENGTH);
+    add(NL80211_CMD_NEW_STATION_VALIDATION, NL80211_CMD_NEW_STATION_VALIDATION_LENGTH);
+    add(NL80211_STA_INFO_VALIDATION, NL80211_STA_INFO_VALIDATION_LENGTH);
+    EXPECT_EQ(all,
+              "1/2/0 7/8/0 - 2/3/0 1/5/0 - 3/3/0 45/8/0 47/8/0 - "
+              "1/11/6 2/3/0 6/11/0 9/3/0 7/3/0 10/3/0 - 21/8/0 - 7/1/0 13/1/0 9/3/0 10/3/0 - ");
 }
 
 }  // namespace

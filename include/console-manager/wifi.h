@@ -7,9 +7,9 @@
  * times, wifi_scan_close gives it back.
  *
  * FATAL FAILURES. Most failures end the whole process by exit(1), after a line on stderr: memory
- * for a handle runs out, a netlink socket can't be opened, switched or written, the kernel has no
- * nl80211. There is no way to turn that off. An application that can't accept it makes the call in
- * a child process. Each function below says which failures come back to the caller.
+ * for a handle runs out, a netlink socket can't be opened, switched, written or read, the kernel
+ * has no nl80211. There is no way to turn that off. An application that can't accept it makes the
+ * call in a child process. Each function below says which failures come back to the caller.
  *
  * Messages. All go to stderr. Some tell of a fault in what the kernel sent that costs one
  * attribute, one network's name or one message, and the call goes on.
@@ -34,7 +34,8 @@ typedef struct wifi_data wifi_data;
 typedef struct wifi_bss_record {
     uint8_t bssid[6];   /* MAC address of the access point, in the order in which it's written */
     uint32_t frequency; /* in MHz */
-    char ssid[33];      /* name of the network, NUL-terminated; empty if it is hidden */
+    char ssid[33];      /* name of the network, NUL-terminated bytes of no certain encoding; empty
+                           if it is hidden or can't be read */
     int32_t status;     /* 1 associated, 2 joined (IBSS), 0 authenticated only, -1 none of these */
     int32_t signal_mbm; /* in mBm, hundredths of a dBm */
     uint32_t seen_ms_ago; /* in milliseconds */
@@ -42,9 +43,11 @@ typedef struct wifi_bss_record {
 
 /* The link of the port to its network. */
 typedef struct wifi_station_record {
-    uint8_t bssid[6];      /* as in wifi_bss_record, and so are the next two */
-    char ssid[33];         /* */
-    int32_t status;        /* */
+    /* The network, as in wifi_bss_record. */
+    uint8_t bssid[6];
+    char ssid[33];
+    int32_t status;
+    /* The link to it. */
     int8_t signal_dbm;     /* of the last packet, in dBm */
     int8_t signal_avg_dbm; /* average, in dBm */
     uint32_t rx_packets;   /* received from the access point */
@@ -69,7 +72,8 @@ void wifi_scan_close(wifi_data* wifi);
  *
  * It takes the results of a scan that anybody has started or finished since the handle was opened
  * or last scanned, if there was one, and otherwise starts a scan of all channels itself. It waits
- * until the kernel has the results, for which there is no time limit: some seconds as a rule.
+ * until the kernel has the results, for which there is no time limit: some seconds as a rule. A
+ * scan of another wireless port counts like one of this port, and the list may then be an old one.
  *
  * wifi: the handle, not null. records: the caller's array of capacity elements; may be null if
  * capacity is 0.
@@ -81,10 +85,12 @@ void wifi_scan_close(wifi_data* wifi);
  * A list that can't be read, or breaks off, counts as far as it was read.
  *
  * Returns -1 if the kernel refused the scan (the port is down or isn't wireless, another scan is
- * running) or gave up a scan while it was waited for (the port was taken down, for one). The handle
- * stays good, and the next call tries anew.
+ * running, the process lacks CAP_NET_ADMIN) or gave up a scan while it was waited for (the port was
+ * taken down, for one). The handle stays good, and the next call tries anew.
  *
- * Fatal: a failure of the handle's sockets.
+ * Fatal: a failure of the handle's sockets. A signal that ends the wait is one, if its handler was
+ * set without SA_RESTART; and so are more notifications of scans than the kernel queues for the
+ * handle between two calls. Don't keep a handle open for hours without scanning.
  */
 int32_t wifi_scan_all(wifi_data* wifi, wifi_bss_record* records, int32_t capacity);
 

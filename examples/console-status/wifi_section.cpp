@@ -1,11 +1,9 @@
-#include <console-manager/network.h>
 #include <console-manager/wifi.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -56,11 +54,15 @@ std::optional<Answer> ask(const std::string& port) {
     std::fflush(stdout);
     int ends[2];
     if (pipe(ends) != 0) {
+        std::perror("console-status: pipe");
         return std::nullopt;
     }
     const pid_t child = fork();
     if (child == 0) {
         answer(port.c_str(), ends[1]);
+    }
+    if (child < 0) {
+        std::perror("console-status: fork");
     }
     close(ends[1]);
     Answer answer;

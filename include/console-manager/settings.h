@@ -468,9 +468,10 @@ int32_t DAL_CML_isQorHotKeyIconPresent(void);
  * ---- Lists ----
  *
  * A list is a map from node ids to one value each. A node id is a text of the caller's choice,
- * never null. For a list's item setting S the family is that of above with the node id in front;
- * deleteAllS removes the item of that one node under all profile numbers. A node comes into being
- * with the first set of its item and stays when the item alone is deleted. All lists are profiled.
+ * never null. For a list's item setting S the family is that of above with the node id in front
+ * (but for getSDefault, since all nodes have one default); deleteAllS removes the item of that one
+ * node under all profile numbers. A node comes into being with the first set of its item and stays
+ * when the item alone is deleted. All lists are profiled.
  *
  * For the nodes N of a list:
  *

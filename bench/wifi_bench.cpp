@@ -184,7 +184,6 @@ void bareDump(benchmark::State& state) {
     for (auto _ : state) {
         int count = 0;
         mnl_socket& socket = sockets[1];
-        answers[1] = &kDump;
         socket.next = 0;
         ssize_t received;
         do {

@@ -109,6 +109,7 @@ struct mnl_socket {
 namespace {
 
 mnl_socket* notifying = nullptr;  // the socket that the kernel's notifications go to
+mnl_socket* commanded = nullptr;  // the one that was sent a request last
 
 bool isBlocking(const mnl_socket* socket) {
     return (fcntl(socket->descriptor, F_GETFL) & O_NONBLOCK) == 0;
@@ -204,10 +205,11 @@ ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* request, size_t 
         digits += pair;
     }
     kernel.sent.push_back(digits);
+    commanded = const_cast<mnl_socket*>(socket);
     const uint8_t command = octets[sizeof head];
+    kernel.commands += std::to_string(command) + "/" + std::to_string(head.nlmsg_seq) + " ";
     for (const std::string& datagram : kernel.on[command]) {
-        const_cast<mnl_socket*>(socket)->queue.push_back(
-            addressed(datagram, head.nlmsg_seq, socket->port));
+        commanded->queue.push_back(addressed(datagram, head.nlmsg_seq, socket->port));
     }
     if (command == NL80211_CMD_TRIGGER_SCAN) {
         auto& queue = kernel.notifications;
@@ -234,6 +236,12 @@ ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size)
     errno = 0;
     std::memcpy(buffer, datagram.data(), datagram.size());
     return static_cast<ssize_t>(datagram.size());
+}
+
+// For what is left of an answer.
+ssize_t recv(int descriptor, void* buffer, size_t size, int flags) {
+    const bool waits = descriptor != commanded->descriptor || flags != MSG_DONTWAIT;
+    return waits || commanded->queue.empty() ? -1 : mnl_socket_recvfrom(commanded, buffer, size);
 }
 
 }  // extern "C"

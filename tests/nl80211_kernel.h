@@ -61,6 +61,7 @@ struct Nl80211Kernel {
 
     // What was seen.
     std::vector<std::string> sent;  // requests, in hexadecimal digits
+    std::string commands;           // their commands and numbers: "33/1 32/2 "
     int openSockets = 0;
     uint32_t joinedGroup = 0;
     bool working = false;  // the kernel's own work is under way, not the library's

@@ -5,11 +5,13 @@
 #include <gtest/gtest.h>
 #include <linux/genetlink.h>
 #include <linux/nl80211.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <functional>
+#include <span>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -48,34 +50,28 @@ const std::string kResults = notification(NL80211_CMD_NEW_SCAN_RESULTS);
 const std::string kAborted = notification(NL80211_CMD_SCAN_ABORTED);
 const std::string kNoMore = failure(EAGAIN);
 
-// The requests of the first call on a new handle.
-const std::string kTrigger = "commands 1c0000001c0005000100000000000000210100000800030007000000";
-const std::string kDump = "commands 1c0000001c0005030100000000000000200100000800030007000000";
-const std::string kDumpNext = "commands 1c0000001c0005030200000000000000200100000800030007000000";
-
 std::string elements(const std::string& payload) {
     return attribute(NL80211_BSS_INFORMATION_ELEMENTS, payload);
 }
 
-std::string ssidElement(const std::string& ssid) {
-    return elements('\0' + u8(static_cast<uint8_t>(ssid.size())) + ssid + "\x01\x01\x02");
+std::string ssid(const std::string& name) {
+    return elements('\0' + u8(static_cast<uint8_t>(name.size())) + name + "\x01\x01\x02");
 }
 
-// Networks by number, each with its status behind a colon if it has one: "1 2:1 3". All that is
-// told of a network follows from its number.
+// A dump of networks by number, each with its status behind a colon if it has one: "1 2:1 3". All
+// that is told of a network follows from its number.
 Datagrams networks(const std::string& list) {
     Datagrams dump;
     std::istringstream words(list);
     for (std::string word; words >> word;) {
         const auto id = static_cast<uint32_t>(word[0] - '0');
         const auto status = static_cast<uint32_t>(word.back() - '0');
-        dump.push_back(
-            network(attribute(NL80211_BSS_BSSID, "\2\2\2\2\2" + u8(static_cast<uint8_t>(id))) +
-                    attribute(NL80211_BSS_FREQUENCY, u32(2400 + id)) +
-                    ssidElement("net" + word.substr(0, 1)) +
-                    (word.size() > 1 ? attribute(NL80211_BSS_STATUS, u32(status)) : "") +
-                    attribute(NL80211_BSS_SIGNAL_MBM, u32(0 - 100 * id)) +
-                    attribute(NL80211_BSS_SEEN_MS_AGO, u32(id))));
+        dump.push_back(network(
+            attribute(NL80211_BSS_BSSID, "\2\2\2\2\2" + u8(static_cast<uint8_t>(id))) +
+            attribute(NL80211_BSS_FREQUENCY, u32(2400 + id)) + ssid("net" + word.substr(0, 1)) +
+            (word.size() > 1 ? attribute(NL80211_BSS_STATUS, u32(status)) : "") +
+            attribute(NL80211_BSS_SIGNAL_MBM, u32(0 - 100 * id)) +
+            attribute(NL80211_BSS_SEEN_MS_AGO, u32(id))));
     }
     dump.push_back(done());
     return dump;
@@ -87,24 +83,36 @@ std::string text(const wifi_bss_record& record) {
     std::ostringstream words;
     words << int{record.bssid[0]} << ":" << int{record.bssid[5]} << " " << record.frequency << " "
           << record.ssid << " " << record.status << " " << record.signal_mbm << " "
-          << record.seen_ms_ago;
+          << record.seen_ms_ago << " ";
     return words.str();
 }
 
 // The list of networks that would leave these elements; "-" for one that nothing was written to.
-std::string list(const wifi_bss_record (&records)[4]) {
+std::string listOf(const wifi_bss_record (&records)[4]) {
     std::string words;
     for (const auto& record : records) {
         const std::string id = std::to_string(record.seen_ms_ago);
         const std::string status = std::to_string(record.status);
         const std::string whole = "2:" + id + " " + std::to_string(2400 + record.seen_ms_ago) +
-                                  " net" + id + " " + status + " -" + id + "00 " + id;
+                                  " net" + id + " " + status + " -" + id + "00 " + id + " ";
         words += text(record) == text(kBefore) ? "- "
                  : text(record) == whole       ? id + (status == "-1" ? "" : ":" + status) + " "
-                                               : text(record) + " ";
+                                               : text(record);
     }
     return words;
 }
+
+// One scan on a new handle.
+struct Scan {
+    const char* situation;
+    Datagrams past;   // notifications that wait
+    Datagrams later;  // those that come after a trigger
+    Datagrams dump;
+    int32_t capacity;  // of an array with four elements
+    int32_t result;
+    const char* sent;  // commands, each with its number
+    std::string left;  // the elements, and the words on stderr
+};
 
 class Wifi : public testing::Test {
   protected:
@@ -117,7 +125,7 @@ class Wifi : public testing::Test {
         kernel.reset();
         wifi = wifi_scan_init("wlan7");
         ASSERT_NE(wifi, nullptr);
-        kernel.sent.clear();
+        kernel.commands.clear();
     }
     void close() {
         if (wifi != nullptr) {
@@ -127,31 +135,52 @@ class Wifi : public testing::Test {
         EXPECT_EQ(kernel.openSockets, 0);
     }
 
-    // One scan; what it leaves behind is in the members below.
-    int32_t scan(int32_t capacity = 3) {
-        std::fill(std::begin(records), std::end(records), kBefore);
-        testing::internal::CaptureStderr();
-        const int before = allocations;
-        const int32_t result = wifi_scan_all(wifi, records, capacity);
-        const int after = allocations;
-        words = testing::internal::GetCapturedStderr();
-        EXPECT_TRUE(after == before || !words.empty()) << "only perror may allocate";
-        EXPECT_TRUE(kernel.waits()) << "for the next call";
-        return result;
-    }
-    // A scan of which the results are there.
-    int32_t scanOf(const Datagrams& dump, int32_t capacity = 3) {
-        kernel.notifications = {kResults};
-        kernel.on[NL80211_CMD_GET_SCAN] = dump;
-        return scan(capacity);
+    void check(std::span<const Scan> scans) {
+        for (const Scan& c : scans) {
+            SCOPED_TRACE(c.situation);
+            open();
+            kernel.notifications = c.past;
+            kernel.later = c.later;
+            kernel.on[NL80211_CMD_GET_SCAN] = c.dump;
+            wifi_bss_record records[4] = {kBefore, kBefore, kBefore, kBefore};
+            testing::internal::CaptureStderr();
+            const int before = allocations;
+            EXPECT_EQ(wifi_scan_all(wifi, records, c.capacity), c.result);
+            const int after = allocations;
+            const std::string words = testing::internal::GetCapturedStderr();
+            EXPECT_EQ(listOf(records) + words, c.left);
+            EXPECT_EQ(kernel.commands, c.sent);
+            EXPECT_TRUE(after == before || !words.empty()) << "only perror may allocate";
+            EXPECT_TRUE(kernel.waits());
+            kernel.notifications = {kResults};
+            kernel.on[NL80211_CMD_GET_SCAN] = networks("1 2");
+            EXPECT_EQ(wifi_scan_all(wifi, nullptr, 0), 2) << "the handle is as good as before";
+        }
     }
 
     wifi_data* wifi = nullptr;
-    wifi_bss_record records[4];
-    std::string words;
 };
 
-TEST_F(Wifi, TheScanGroupIsFoundByItsNameAndJoined) {
+TEST_F(Wifi, RequestsAreTheseBytes) {
+    wifi = wifi_scan_init("wlan7");
+    kernel.later = {kResults};
+    EXPECT_EQ(wifi_scan_all(wifi, nullptr, 0), 0);
+    kernel.on[NL80211_CMD_GET_SCAN] = networks("1 2:1");
+    wifi_station_record station;
+    EXPECT_EQ(wifi_scan_station(wifi, &station), 1);
+    const std::string ifindex = "0800030007000000";
+    EXPECT_EQ(kernel.sent,
+              (std::vector<std::string>{
+                  "notifications 28000000100005000100000000000000030100000600010010000000"
+                  "0c0002006e6c383032313100",
+                  "commands 1c0000001c000500010000000000000021010000" + ifindex,
+                  "commands 1c0000001c000503020000000000000020010000" + ifindex,
+                  "commands 1c0000001c000503030000000000000020010000" + ifindex,
+                  "commands 280000001c000500040000000000000011010000" + ifindex +
+                      "0a0006000202020202020000"}));
+}
+
+TEST_F(Wifi, TheScanGroupIsFoundByItsName) {
     const auto incomplete = [](const std::string& id, const std::string& name) {
         return attribute(1, attribute(CTRL_ATTR_MCAST_GRP_ID, id) +
                                 (name.empty() ? "" : attribute(CTRL_ATTR_MCAST_GRP_NAME, name)));
@@ -169,9 +198,6 @@ TEST_F(Wifi, TheScanGroupIsFoundByItsNameAndJoined) {
         kernel.on[CTRL_CMD_GETFAMILY][0] = family(groups);
         wifi = wifi_scan_init("wlan7");
         EXPECT_EQ(kernel.joinedGroup, joined);
-        EXPECT_EQ(kernel.sent[0],
-                  "notifications 28000000100005000100000000000000030100000600010010000000"
-                  "0c0002006e6c383032313100");
         close();
     }
 }
@@ -186,7 +212,7 @@ TEST_F(Wifi, AnUnknownInterfaceGivesNullAndKeepsNothing) {
         EXPECT_EQ(wifi_scan_init("wlan7"), nullptr);
         EXPECT_EQ(testing::internal::GetCapturedStderr(),
                   kPrefix + "Incorrect network interface: No such device\n");
-        EXPECT_EQ(kernel.sent.size(), static_cast<size_t>(look - 1));
+        EXPECT_EQ(kernel.commands, look == 1 ? "" : "3/1 ");
         EXPECT_EQ(kernel.openSockets, 0);
     }
     EXPECT_EQ(openDescriptors(), descriptors);
@@ -280,108 +306,77 @@ TEST_F(Wifi, MemoryThatRunsOutEndsTheProcess) {
 }
 
 TEST_F(Wifi, NotificationsDecideWhetherToScan) {
-    const std::string line = "Ignoring generic netlink command type 28 seq 0 pid  0 genl cmd ";
+    const std::string line =
+        "- - - - Ignoring generic netlink command type 28 seq 0 pid  0 genl cmd ";
     const std::string empty = notification(0).substr(0, 16).replace(0, 4, u32(16));
     const std::string others = notification(NL80211_CMD_NEW_SCAN_RESULTS, 0, 5) +
                                notification(NL80211_CMD_NEW_SCAN_RESULTS, 5, 0);
     const std::string othersTrigger = notification(NL80211_CMD_TRIGGER_SCAN, 5, 5);
-    struct Case {
-        const char* situation;
-        Datagrams past;
-        Datagrams later;  // come after the trigger
-        bool triggers;
-        int32_t result;
-        std::string words;
-    };
+    const Datagrams ended = {kResults}, none = {done()};
+    const char *const both = "33/1 32/2 ", *const noTrigger = "32/1 ";
     // clang-format off
-    const Case cases[] = {
-        {"nothing yet", {}, {kTriggered, kResults}, true, 1, ""},
-        {"a scan runs", {kTriggered, kNoMore, kResults}, {}, false, 1, ""},
-        {"the same, in other words", {kTriggered, failure(EINPROGRESS), kResults}, {}, false, 1, ""},
-        {"a scan has ended", {kTriggered, kResults}, {}, false, 1, ""},
-        {"the same in one datagram", {kTriggered + kResults}, {}, false, 1, ""},
-        {"results that aren't the kernel's", {others}, {kResults}, true, 1, ""},
-        {"a trigger that isn't", {othersTrigger, kNoMore, kResults}, {}, false, 1, ""},
-        {"something else", {notification(77)}, {kResults}, true, 1, line + "77\n"},
-        {"a message without a command", {empty}, {kResults}, true, 1, line + "0\n"},
-        {"given up before", {kTriggered, kAborted}, {kResults}, true, 1, line + "35\n"},
-        {"another runs", {kAborted, kTriggered, kNoMore, kResults}, {}, false, 1, line + "35\n"},
-        {"given up after results", {kResults, kAborted}, {}, false, 1, line + "35\n"},
-        {"given up in the wait", {}, {kTriggered, kAborted, kResults}, true, -1, line + "35\n"},
+    const Scan cases[] = {
+        {"nothing yet", {}, {kTriggered, kResults}, none, 3, 0, both, "- - - - "},
+        {"a scan runs", {kTriggered, kNoMore, kResults}, {}, none, 3, 0, noTrigger, "- - - - "},
+        {"the same, in other words", {kTriggered, failure(EINPROGRESS), kResults}, {}, none, 3, 0, noTrigger, "- - - - "},
+        {"a scan has ended", {kTriggered, kResults}, {}, none, 3, 0, noTrigger, "- - - - "},
+        {"the same in one datagram", {kTriggered + kResults}, {}, none, 3, 0, noTrigger, "- - - - "},
+        {"results that aren't the kernel's", {others}, ended, none, 3, 0, both, "- - - - "},
+        {"a trigger that isn't", {othersTrigger, kNoMore, kResults}, {}, none, 3, 0, noTrigger, "- - - - "},
+        {"no command behind one of no use", {notification(77), empty}, ended, none, 3, 0, both,
+         line + "77\n" + line.substr(8) + "0\n"},
+        {"given up before", {kTriggered, kAborted}, ended, none, 3, 0, both, line + "35\n"},
+        {"another runs", {kAborted, kTriggered, kNoMore, kResults}, {}, none, 3, 0, noTrigger, line + "35\n"},
+        {"given up after results", {kResults, kAborted}, {}, none, 3, 0, noTrigger, line + "35\n"},
+        {"given up in the wait", {}, {kTriggered, kAborted, kResults}, none, 3, -1, "33/1 ", line + "35\n"},
     };
     // clang-format on
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.situation);
-        open();
-        kernel.on[NL80211_CMD_GET_SCAN] = networks("1");
-        kernel.notifications = c.past;
-        kernel.later = c.later;
-        EXPECT_EQ(scan(), c.result);
-        EXPECT_EQ(words, c.words);
-        auto requests = c.triggers ? std::vector{kTrigger, kDumpNext} : std::vector{kDump};
-        requests.resize(requests.size() - (c.result < 0 ? 1u : 0u));
-        EXPECT_EQ(kernel.sent, requests);
-        EXPECT_EQ(scanOf(networks("1 2")), 2) << "the handle is as good as before";
-    }
+    check(cases);
     for (const std::string& refusal : {acknowledgement(-EBUSY), failure(EIO)}) {
         open();
         kernel.on[NL80211_CMD_TRIGGER_SCAN] = {refusal};
-        EXPECT_EQ(scan(), -1);
-        EXPECT_EQ(words + list(records), "- - - - ");
-        EXPECT_EQ(scanOf(networks("1")), 1);
-        EXPECT_EQ(kernel.sent, (std::vector{kTrigger, kDumpNext}));
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(wifi_scan_all(wifi, nullptr, 0), -1);
+        EXPECT_EQ(testing::internal::GetCapturedStderr() + kernel.commands, "33/1 ");
     }
 }
 
 TEST_F(Wifi, TheJoinedNetworkComesFirst) {
-    const struct {
-        const char* dump;
-        int32_t capacity;
-        int32_t result;
-        const char* records;
-    } cases[] = {
-        {"", 3, 0, "- - - - "},
-        {"1 2:0", 3, 2, "1 2:0 - - "},
-        {"1:1 2", 3, 2, "1:1 2 - - "},
-        {"1 2:1 3", 3, 3, "2:1 1 3 - "},
-        {"1 2 3:2", 3, 3, "3:2 2 1 - "},
-        {"1:1 2 3:2", 4, 3, "3:2 2 1:1 - "},
-        {"1 2 3 4:1", 2, 4, "4:1 2 - - "},
-        {"1 2:1 3:3", 1, 3, "2:1 - - - "},
-        {"1:1 2", 0, 2, "- - - - "},
-    };
-    open();
-    for (const auto& c : cases) {
-        EXPECT_EQ(scanOf(networks(c.dump), c.capacity), c.result) << c.dump;
-        EXPECT_EQ(list(records), c.records) << c.dump;
-    }
-}
-
-TEST_F(Wifi, ADumpCountsAsFarAsItWasRead) {
     const std::string one = networks("1")[0];
+    const std::string noNetwork =
+        reply(NL80211_CMD_NEW_SCAN_RESULTS, attribute(NL80211_ATTR_IFINDEX, u32(7)));
+    const std::string line = "Ignoring generic netlink command 28 seq 1 pid  1001 genl cmd 77\n";
     std::string endless = one;
     endless.replace(0, 4, u32(0x80000010));
-    const std::string ifindex = attribute(NL80211_ATTR_IFINDEX, u32(7));
-    const struct {
-        Datagrams dump;
-        int32_t result;
-        std::string words;
-    } cases[] = {
-        {{reply(77, ""), one + one, done()},
-         2,
-         "Ignoring generic netlink command 28 seq 1 pid  1001 genl cmd 77\n"},
-        {{reply(NL80211_CMD_NEW_SCAN_RESULTS, ifindex), one, done()}, 1, ""},
-        {{one, acknowledgement(-EIO)}, 1, ""},
-        {{one, failure(EIO)}, 1, ""},
-        {{one, notification(NL80211_CMD_NEW_SCAN_RESULTS, 999, 0)}, 1, ""},
-        {{one + endless, done()}, 1, ""},
-        {{acknowledgement(-ENODEV)}, 0, ""},
+    const auto largest = static_cast<size_t>(std::min(sysconf(_SC_PAGESIZE), 8192L));
+    std::string large = network(attribute(NL80211_BSS_TSF, ""));
+    large = network(attribute(NL80211_BSS_TSF, std::string(largest - large.size(), 'x')));
+    std::string interrupted = networks("2")[0];
+    interrupted.replace(6, 2, u16(NLM_F_DUMP_INTR));
+    const Datagrams ended = {kResults};
+    // clang-format off
+    const Scan cases[] = {
+        {"none joined", ended, {}, networks("1 2:0"), 3, 2, "32/1 ", "1 2:0 - - "},
+        {"first", ended, {}, networks("1:1 2"), 3, 2, "32/1 ", "1:1 2 - - "},
+        {"in the middle", ended, {}, networks("1 2:1 3"), 3, 3, "32/1 ", "2:1 1 3 - "},
+        {"last", ended, {}, networks("1 2 3:2"), 3, 3, "32/1 ", "3:2 2 1 - "},
+        {"twice", ended, {}, networks("1:1 2 3:2"), 4, 3, "32/1 ", "3:2 2 1:1 - "},
+        {"beyond the array", ended, {}, networks("1 2 3 4:1"), 2, 4, "32/1 ", "4:1 2 - - "},
+        {"an array of one", ended, {}, networks("1 2:1 3:3"), 1, 3, "32/1 ", "2:1 - - - "},
+        {"an array of none", ended, {}, networks("1:1 2"), 0, 2, "32/1 ", "- - - - "},
+        {"another message", ended, {}, {reply(77, ""), one + one, done()}, 1, 2, "32/1 ", "1 - - - " + line},
+        {"a message without a network", ended, {}, {noNetwork, one, done()}, 3, 1, "32/1 ", "1 - - - "},
+        {"an error", ended, {}, {one, acknowledgement(-EIO)}, 3, 1, "32/1 ", "1 - - - "},
+        {"an error at once", ended, {}, {acknowledgement(-ENODEV)}, 3, 0, "32/1 ", "- - - - "},
+        {"a failed receive", ended, {}, {one, failure(EIO)}, 3, 1, "32/1 ", "1 - - - "},
+        {"an answer to another", ended, {}, {one, notification(34, 999, 0)}, 3, 1, "32/1 ", "1 - - - "},
+        {"the largest datagram", ended, {}, {large, done()}, 0, 1, "32/1 ", "- - - - "},
+        {"one beyond", ended, {}, {large + "x", done()}, 0, 0, "32/1 ", "- - - - "},
+        {"an interrupted dump", ended, {}, {one, interrupted, one, done()}, 3, 1, "32/1 ", "1 - - - "},
+        {"a length that wraps", ended, {}, {one + endless, done()}, 3, 1, "32/1 ", "1 - - - "},
     };
-    for (const auto& c : cases) {
-        open();
-        EXPECT_EQ(scanOf(c.dump), c.result);
-        EXPECT_EQ(words, c.words);
-    }
+    // clang-format on
+    check(cases);
 }
 
 TEST_F(Wifi, AttributesAreReadByTheirRules) {
@@ -391,7 +386,7 @@ TEST_F(Wifi, AttributesAreReadByTheirRules) {
     struct Case {
         const char* situation;
         std::string bss;
-        std::string expected;  // but for the status and the last two figures
+        std::string expected;  // BSSID, frequency and SSID
         std::string words;
     };
     // clang-format off
@@ -403,11 +398,11 @@ TEST_F(Wifi, AttributesAreReadByTheirRules) {
         {"no rule", attribute(3, "xyz") + attribute(19, "") + frequency, "9:9 5180 before", ""},
         {"above the table", attribute(20, "") + attribute(99, "x") + bssid, "1:6 9 before", ""},
         {"a length beyond the nest", bssid + attribute(2, u32(1), 8), "1:6 9 before", ""},
-        {"a name", ssidElement("name"), "9:9 9 name", ""},
-        {"a hidden name", ssidElement(""), "9:9 9 ", ""},
-        {"a name of 32 bytes", ssidElement(large), "9:9 9 " + large, ""},
-        {"a name of 33 bytes", ssidElement(large + "x"), "9:9 9 ", kRefusedSsid},
-        {"a name with a NUL", ssidElement(std::string("ab\0cd", 5)), "9:9 9 ab", ""},
+        {"a name", ssid("name"), "9:9 9 name", ""},
+        {"a hidden name", ssid(""), "9:9 9 ", ""},
+        {"a name of 32 bytes", ssid(large), "9:9 9 " + large, ""},
+        {"a name of 33 bytes", ssid(large + "x"), "9:9 9 ", kRefusedSsid},
+        {"a name with a NUL", ssid(std::string("ab\0cd", 5)), "9:9 9 ab", ""},
         {"an exact fit", elements(std::string("\0\5abcde", 7)), "9:9 9 abcde", ""},
         {"a byte too few", elements(std::string("\0\5abcd", 6)), "9:9 9 ", kRefusedSsid},
         {"an id alone", elements(std::string("\0", 1)), "9:9 9 ", kRefusedSsid},
@@ -415,14 +410,22 @@ TEST_F(Wifi, AttributesAreReadByTheirRules) {
         {"no elements, the rest good", bssid + elements("") + frequency, "1:6 5180 ", kRefusedSsid},
     };
     // clang-format on
-    open();
     for (const Case& c : cases) {
-        EXPECT_EQ(scanOf({network(c.bss), done()}), 1) << c.situation;
-        EXPECT_EQ(text(records[0]), c.expected + " -1 9 9") << c.situation;
-        EXPECT_EQ(words, c.words) << c.situation;
+        check({{{c.situation,
+                 {kResults},
+                 {},
+                 {network(c.bss), done()},
+                 1,
+                 1,
+                 "32/1 ",
+                 c.expected + " -1 9 9 - - - " + c.words}}});
     }
-    scanOf({network(ssidElement(std::string("a\0b", 3))), done()});
-    EXPECT_EQ(std::string(records[0].ssid, 7), std::string("a\0\0\0re\0", 7));
+    open();
+    kernel.notifications = {kResults};
+    kernel.on[NL80211_CMD_GET_SCAN] = {network(ssid(std::string("a\0b", 3))), done()};
+    wifi_bss_record record = kBefore;
+    EXPECT_EQ(wifi_scan_all(wifi, &record, 1), 1);
+    EXPECT_EQ(std::string(record.ssid, 7), std::string("a\0\0\0re\0", 7));
 }
 
 std::string station(const std::string& info) {
@@ -430,89 +433,78 @@ std::string station(const std::string& info) {
 }
 
 std::string figures(int signal, uint32_t received, uint32_t sent) {
-    return attribute(NL80211_STA_INFO_SIGNAL, u8(static_cast<uint8_t>(signal))) +
-           attribute(NL80211_STA_INFO_SIGNAL_AVG, u8(static_cast<uint8_t>(signal - 1))) +
-           attribute(NL80211_STA_INFO_RX_PACKETS, u32(received)) +
-           attribute(NL80211_STA_INFO_TX_PACKETS, u32(sent));
+    return station(attribute(NL80211_STA_INFO_SIGNAL, u8(static_cast<uint8_t>(signal))) +
+                   attribute(NL80211_STA_INFO_SIGNAL_AVG, u8(static_cast<uint8_t>(signal - 1))) +
+                   attribute(NL80211_STA_INFO_RX_PACKETS, u32(received)) +
+                   attribute(NL80211_STA_INFO_TX_PACKETS, u32(sent)));
 }
 
-TEST_F(Wifi, TheStationIsThatOfTheJoinedNetwork) {
-    const std::string faulty = attribute(NL80211_STA_INFO_TX_PACKETS, u32(7)) +
-                               attribute(NL80211_STA_INFO_SIGNAL, u16(1)) +
-                               attribute(NL80211_STA_INFO_RX_PACKETS, u32(7));
-    const struct {
+TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
+    const std::string faulty = station(attribute(NL80211_STA_INFO_TX_PACKETS, u32(7)) +
+                                       attribute(NL80211_STA_INFO_SIGNAL, u16(1)) +
+                                       attribute(NL80211_STA_INFO_RX_PACKETS, u32(7)));
+    const Datagrams dump = networks("1 2:1 3");
+    struct Case {
         Datagrams dump;
         Datagrams answer;
-        std::string expected;  // result, BSSID's end, SSID, status and the four figures
-        std::string words;
-    } cases[] = {
-        {networks(""), {}, "0 9 before 9 9 9 9 9", ""},
-        {{acknowledgement(-EPERM)}, {}, "0 9 before 9 9 9 9 9", ""},
-        {networks("1 2:1 3"),
-         {station(figures(-60, 5, 4000000000)), acknowledgement()},
-         "1 2 net2 1 -60 -61 5 4000000000",
-         ""},
-        {networks("1 2"), {acknowledgement(-ENOENT)}, "1 1 net1 -1 9 9 9 9", ""},
-        {networks("2:2"), {station(faulty), acknowledgement()}, "1 2 net2 2 9 9 9 7", kInvalid},
-        {networks("2:1"),
-         {reply(NL80211_CMD_NEW_STATION, ""), reply(18, ""), acknowledgement()},
-         "1 2 net2 1 9 9 9 9",
+        std::string station;  // result, BSSID's end, SSID, status and the four figures
+        std::string status;   // SSID and the three figures
+        std::string words;    // of either
+    };
+    // clang-format off
+    const Case cases[] = {
+        {networks(""), {}, "0 9 before 9 9 9 9 9", " 0 0 0", ""},
+        {{acknowledgement(-EPERM)}, {}, "0 9 before 9 9 9 9 9", " 0 0 0", ""},
+        {networks("1 2"), {acknowledgement(-ENOENT)}, "1 1 net1 -1 9 9 9 9", " 0 0 0", ""},
+        {dump, {figures(-60, 5, 4000000000)}, "1 2 net2 1 -60 -61 5 4000000000", "net2 -60 5 4000000000", ""},
+        {dump, {figures(-60, 0, 1)}, "1 2 net2 1 -60 -61 0 1", "net2 -60 0 1", ""},
+        {dump, {figures(-60, 1, 0)}, "1 2 net2 1 -60 -61 1 0", "net2 -60 1 0", ""},
+        {dump, {figures(-60, 0, 0)}, "1 2 net2 1 -60 -61 0 0", " -60 0 0", ""},
+        {dump, {figures(1, 5, 5)}, "1 2 net2 1 1 0 5 5", " 1 5 5", ""},
+        {dump, {figures(0, 5, 5)}, "1 2 net2 1 0 -1 5 5", "net2 0 5 5", ""},
+        {dump, {figures(2, 5, 5)}, "1 2 net2 1 2 1 5 5", "net2 2 5 5", ""},
+        {networks("2:2"), {faulty}, "1 2 net2 2 9 9 9 7", "net2 0 0 7", kInvalid},
+        {dump, {reply(NL80211_CMD_NEW_STATION, ""), reply(18, "")}, "1 2 net2 1 9 9 9 9", " 0 0 0",
          "Ignoring generic netlink command 28 seq 2 pid  1001 genl cmd 18\n"},
     };
-    for (const auto& c : cases) {
+    // clang-format on
+    const char* kept = nullptr;
+    for (const Case& c : cases) {
         open();
         kernel.on[NL80211_CMD_GET_SCAN] = c.dump;
         kernel.on[NL80211_CMD_GET_STATION] = c.answer;
+        kernel.on[NL80211_CMD_GET_STATION].push_back(acknowledgement());
         wifi_station_record record{{9, 9, 9, 9, 9, 9}, "before", 9, 9, 9, 9, 9};
-        testing::internal::CaptureStderr();
         std::ostringstream outcome;
+        testing::internal::CaptureStderr();
         outcome << wifi_scan_station(wifi, &record);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), c.words);
         outcome << " " << int{record.bssid[5]} << " " << record.ssid << " " << record.status << " "
                 << int{record.signal_dbm} << " " << int{record.signal_avg_dbm} << " "
                 << record.rx_packets << " " << record.tx_packets;
-        EXPECT_EQ(outcome.str(), c.expected);
-        EXPECT_EQ(kernel.sent[0], kDump);
-        if (kernel.sent.size() > 1) {
-            EXPECT_EQ(kernel.sent[1],
-                      "commands 280000001c0005000200000000000000110100000800030007000000"
-                      "0a00060002020202020" +
-                          c.expected.substr(2, 1) + "0000");
+        EXPECT_EQ(outcome.str(), c.station);
+
+        close();
+        CML_WifiStatus status{"x", 9, 9, 9};
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(CML_getWifiStatus("wlan7", &status), 1);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.words);
+        outcome.str("");
+        outcome << status.ssid << " " << status.signalDbm << " " << status.rxPackets << " "
+                << status.txPackets;
+        EXPECT_EQ(outcome.str(), c.status) << c.station;
+        if (*status.ssid != '\0') {
+            EXPECT_TRUE(kept == nullptr || kept == status.ssid) << "one buffer";
+            kept = status.ssid;
         }
+        EXPECT_TRUE(kept == nullptr || kept == std::string("net2")) << "no empty text in it";
     }
 }
 
-TEST_F(Wifi, TheStatusTellsOfALinkWithTraffic) {
-    const struct {
-        int signal;
-        uint32_t received;
-        uint32_t sent;
-        std::string ssid;
-    } cases[] = {
-        {-60, 0, 1, "net2"}, {-60, 1, 0, "net2"}, {-60, 0, 0, ""},
-        {1, 5, 5, ""},       {0, 5, 5, "net2"},   {2, 5, 5, "net2"},
-    };
-    const char* kept = nullptr;
-    for (const auto& c : cases) {
-        kernel.on[NL80211_CMD_GET_SCAN] = networks("1 2:1");
-        kernel.on[NL80211_CMD_GET_STATION] = {station(figures(c.signal, c.received, c.sent)),
-                                              acknowledgement()};
-        CML_WifiStatus status{"x", 9, 9, 9};
-        EXPECT_EQ(CML_getWifiStatus("wlan7", &status), 1);
-        EXPECT_EQ(status.ssid, c.ssid);
-        EXPECT_TRUE(status.signalDbm == c.signal && status.rxPackets == c.received &&
-                    status.txPackets == c.sent);
-        kept = kept == nullptr ? status.ssid : kept;
-        EXPECT_TRUE(c.ssid.empty() || status.ssid == kept) << "one buffer";
-        EXPECT_STREQ(kept, "net2") << "an empty text leaves it alone";
-    }
+TEST_F(Wifi, WithoutAPortThereIsNoStatus) {
     CML_WifiStatus status{"x", 9, 9, 9};
     EXPECT_EQ(CML_getWifiStatus(nullptr, &status) + CML_getWifiStatus("wlan7", nullptr), 0);
     EXPECT_STREQ(status.ssid, "x");
-    kernel.on[NL80211_CMD_GET_SCAN] = networks("");
-    EXPECT_EQ(CML_getWifiStatus("wlan7", &status), 1);
-    EXPECT_TRUE(*status.ssid == '\0' && status.signalDbm == 0 && status.rxPackets == 0);
-    status = {"x", 9, 9, 9};
     testing::internal::CaptureStderr();
     EXPECT_EQ(CML_getWifiStatus("wlan8", &status), 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(),

@@ -3,9 +3,11 @@
 #include <fcntl.h>
 #include <linux/genetlink.h>
 #include <net/if.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -27,6 +29,16 @@ size_t lengthOfMessages(const void* datagram, size_t received) {
         length = std::min<size_t>(length + NLMSG_ALIGN(head.nlmsg_len), received);
     }
     return length;
+}
+
+// Drops what is still to come of an answer that broke off: the next exchange would take it for its
+// own, break off in turn, and so on for ever. errno stays as it is.
+void dropReplies(const wifi_channel& channel) {
+    const int failure = errno;
+    while (recv(mnl_socket_get_fd(channel.socket), channel.buffer, wifi_channel_buffer_size(),
+                MSG_DONTWAIT) > 0) {
+    }
+    errno = failure;
 }
 
 }  // namespace
@@ -66,7 +78,8 @@ void wifi_channel_close(wifi_channel& channel) {
 
 nlmsghdr* wifi_prepare_request(uint16_t nlmsg_type, uint16_t nlmsg_flags, uint8_t cmd, void* buffer,
                                const uint32_t* sequence) {
-    // libmnl leaves the padding of attributes as it finds it, and there it would find old replies.
+    // libmnl 1.0.4 leaves the padding of attributes as it finds it: there it would find old
+    // replies.
     std::memset(buffer, 0, wifi_channel_buffer_size());
     nlmsghdr* const message = mnl_nlmsg_put_header(buffer);
     message->nlmsg_type = nlmsg_type;
@@ -104,6 +117,9 @@ int wifi_channel_exchange(wifi_channel& channel, mnl_cb_t callback) {
                                : wifi_channel_run(channel, static_cast<size_t>(received),
                                                   channel.sequence, port, callback);
     } while (result > 0);
+    if (result < 0) {
+        dropReplies(channel);
+    }
     ++channel.sequence;
     return result;
 }

@@ -49,7 +49,8 @@ int wifi_channel_run(wifi_channel& channel, size_t received, uint32_t sequence, 
 
 // Receives until the request that has been sent is answered in full, and gives each message to the
 // callback, with the channel as its data. Returns 0 at the end, or -1 with errno set for an error
-// reply, a reply to something else or a failed receive. The sequence moves on in any case.
+// reply, a reply to something else or a failed receive; the rest of the answer is gone then. The
+// sequence moves on in any case.
 int wifi_channel_exchange(wifi_channel& channel, mnl_cb_t callback);
 
 // Makes receives on the channel return at once, or wait again; a failure is fatal.

@@ -66,19 +66,19 @@ int32_t setNumber(const char* text) {
     return kSet(std::atoi(text));
 }
 
-#define NUMBER_AT(name, place, highest)                                            \
-    {                                                                              \
-#name, place, number < DAL_CML_get##name>, setNumber < DAL_CML_set##name>, \
-            DAL_CML_delete##name, DAL_CML_is##name##Present, highest               \
-    }
+// clang-format off
+#define NUMBER_AT(name, place, highest)                             \
+    {#name, place, number<DAL_CML_get##name>,                       \
+     setNumber<DAL_CML_set##name>, DAL_CML_delete##name,            \
+     DAL_CML_is##name##Present, highest}
 #define NUMBER(name) NUMBER_AT(name, "persistent", kAny)
 #define FLAG(name) NUMBER_AT(name, "persistent", 1)
 #define CHOICE(name, highest) NUMBER_AT(name, "persistent", highest)
-#define STRING(name)                                                                               \
-    {                                                                                              \
-#name, "persistent", string < DAL_CML_get##name>, DAL_CML_set##name, DAL_CML_delete##name, \
-            DAL_CML_is##name##Present, -1                                                          \
-    }
+#define STRING(name)                                                \
+    {#name, "persistent", string<DAL_CML_get##name>,                \
+     DAL_CML_set##name, DAL_CML_delete##name,                       \
+     DAL_CML_is##name##Present, -1}
+// clang-format on
 
 const Setting kSettings[] = {
     FLAG(AllowControlOfDestinations),

@@ -37,7 +37,7 @@ struct Answer {
     uint32_t txPackets;
 };
 
-[[noreturn]] void answer(const char* port, int pipeEnd) {
+[[noreturn]] void passOn(const char* port, int pipeEnd) {
     CML_WifiStatus status;
     if (CML_getWifiStatus(port, &status) == 0) {
         _exit(1);
@@ -59,7 +59,7 @@ std::optional<Answer> ask(const std::string& port) {
     }
     const pid_t child = fork();
     if (child == 0) {
-        answer(port.c_str(), ends[1]);
+        passOn(port.c_str(), ends[1]);
     }
     if (child < 0) {
         std::perror("console-status: fork");

@@ -18,7 +18,9 @@ install_packages() {
     done
     [ -n "$missing" ] || return 0
     echo "Installing Debian packages:$missing"
-    $AS_ROOT apt-get update -qq
+    # A list that can't be fetched matters only if a package is missing in the end.
+    $AS_ROOT apt-get update -qq || echo "Going on with the package lists that there are" >&2
     # shellcheck disable=SC2086
-    $AS_ROOT env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null
+    $AS_ROOT env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
+        $missing >/dev/null
 }

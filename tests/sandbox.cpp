@@ -47,7 +47,8 @@ void Sandbox::SetUp() {
     ASSERT_TRUE(mountTmpfs("/mnt") && mountTmpfs("/tmp/m7") && mkdir("/mnt/test", 0755) == 0 &&
                 mount("sysfs", "/sys", "sysfs", 0, nullptr) == 0)
         << std::strerror(errno);
-    run("ip link set lo up");
+    run("ip link set lo up && mkdir /mnt/test/bin");
+    setenv("PATH", "/mnt/test/bin:/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin", 1);
 }
 
 void Sandbox::bindFile(const std::string& target, std::string_view content) {
@@ -59,14 +60,9 @@ void Sandbox::bindFile(const std::string& target, std::string_view content) {
 }
 
 void Sandbox::putProgram(const std::string& name, std::string_view script) {
-    const std::string folder = "/mnt/test/bin";
-    std::filesystem::create_directories(folder);
-    writeFile(folder + "/" + name, "#!/bin/sh\n" + std::string(script) + "\n");
-    ASSERT_EQ(chmod((folder + "/" + name).c_str(), 0755), 0);
-    const std::string path = std::getenv("PATH");
-    if (!path.starts_with(folder + ":")) {
-        setenv("PATH", (folder + ":" + path).c_str(), 1);
-    }
+    const std::string path = "/mnt/test/bin/" + name;
+    writeFile(path, "#!/bin/sh\n" + std::string(script) + "\n");
+    ASSERT_EQ(chmod(path.c_str(), 0755), 0);
 }
 
 std::string Sandbox::run(const std::string& command) {
@@ -78,6 +74,16 @@ std::string Sandbox::run(const std::string& command) {
     }
     EXPECT_TRUE(pipe != nullptr && pclose(pipe) == 0) << command;
     return output;
+}
+
+Texts take(char** list) {
+    Texts texts;
+    for (char** text = list; text != nullptr && *text != nullptr; ++text) {
+        texts.emplace_back(*text);
+        free(*text);
+    }
+    free(list);
+    return texts;
 }
 
 int openDescriptors() {

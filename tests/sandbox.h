@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 // A fixture whose tests run in their own mount and network namespaces, with an empty tmpfs where
 // the library writes ("/mnt", "/tmp/m7") and where the tests may ("/mnt/test"), and with the
@@ -23,6 +24,11 @@ class Sandbox : public testing::Test {
     // Runs a shell command and returns its standard output; a failing command fails the test.
     static std::string run(const std::string& command);
 };
+
+using Texts = std::vector<std::string>;
+
+// What a list from the library holds; frees it.
+Texts take(char** list);
 
 // Descriptors that the process has open; to show that none was left behind.
 int openDescriptors();

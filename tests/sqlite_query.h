@@ -1,9 +1,12 @@
-// A look into a database file beside the library's own connection.
+// The databases of the settings, and a look into a database beside the library's own connection.
 #pragma once
 
 #include <sqlite3.h>
 
 #include <string>
+
+inline const std::string kFile = "/mnt/vex-data/m7/console-manager.db";
+inline const std::string kVolatileFile = "/tmp/m7/console-manager.db";
 
 // Runs SQL and gives the values of all rows, '|' between columns and ' ' between rows; "error: ..."
 // if it fails.

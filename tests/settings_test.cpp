@@ -248,14 +248,14 @@ TEST_F(SettingsTest, ProcessesWaitForEachOther) {
         waitFor(4);
         int failures = DAL_CML_setTheme(1) != 0;
         waitFor(8);
-        for (int i = 0; i < 50; ++i) {
+        for (int i = 0; i < 200; ++i) {
             const std::string id = std::to_string(process) + "-" + std::to_string(i);
             failures += DAL_CML_setHomeScreenIcon(id.c_str(), "x") != 0;
         }
         return failures;
     };
     EXPECT_EQ(statuses(4, work), std::vector(4, 0));
-    EXPECT_EQ(take(DAL_CML_listHomeScreenIconsNodes()).size(), 200u);
+    EXPECT_EQ(take(DAL_CML_listHomeScreenIconsNodes()).size(), 800u);
 }
 
 TEST_F(SettingsTest, ThreadsShareTheConnection) {

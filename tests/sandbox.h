@@ -30,7 +30,8 @@ using Texts = std::vector<std::string>;
 // What a list from the library holds; frees it.
 Texts take(char** list);
 
-// Descriptors that the process has open; to show that none was left behind.
+// Descriptors that the process has open, and one of the count's own; to show that none was left
+// behind.
 int openDescriptors();
 
 void writeFile(const std::string& path, std::string_view content);

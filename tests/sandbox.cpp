@@ -25,10 +25,11 @@ void Sandbox::SetUp() {
         mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) != 0) {
         GTEST_SKIP() << "no namespaces here: " << std::strerror(errno);
     }
+    // Where the board has its programs only its PATH tells; an ordinary user's may lack ip.
+    setenv("PATH", ("/mnt/test/bin:/usr/sbin:/sbin:" + std::string(getenv("PATH"))).c_str(), 1);
     // sysfs shows the network namespace in which it was mounted.
     run("mkdir -p /tmp/m7 && mount -t tmpfs none /tmp/m7 && mount -t tmpfs none /mnt && "
         "mkdir -p /mnt/test/bin && mount -t sysfs none /sys && ip link set lo up");
-    setenv("PATH", "/mnt/test/bin:/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin", 1);
 }
 
 void Sandbox::bindFile(const std::string& target, std::string_view content) {

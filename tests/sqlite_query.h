@@ -14,13 +14,14 @@ inline std::string query(const std::string& path, const std::string& sql) {
     const auto add = [](void* text, int count, char** values, char**) {
         auto& all = *static_cast<std::string*>(text);
         for (int i = 0; i < count; ++i) {
-            all += (i > 0 ? "|" : all.empty() ? "" : " ") + std::string(values[i]);
+            all.append(i > 0 ? "|" : all.empty() ? "" : " ").append(values[i]);
         }
         return 0;
     };
     sqlite3* db = nullptr;
     std::string result;
     sqlite3_open(path.c_str(), &db);
+    sqlite3_busy_timeout(db, 10'000);
     const int status = sqlite3_exec(db, sql.c_str(), add, &result, nullptr);
     sqlite3_close(db);
     return status == SQLITE_OK ? result : sqlite3_errstr(status);

@@ -53,10 +53,7 @@ void printUsage(FILE* to) {
         to, "Exit status: 0 if it was done, 1 if not, 2 if the arguments are not understood.\n");
 }
 
-}  // namespace
-
-int main(int count, char** words) {
-    const Arguments arguments(words + 1, words + count);
+int run(const Arguments& arguments) {
     if (arguments.empty()) {
         report();
         return 0;
@@ -72,4 +69,15 @@ int main(int count, char** words) {
     }
     printUsage(stderr);
     return kUsageError;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    const int status = run({words + 1, words + count});
+    if (std::fflush(stdout) != 0) {
+        std::perror("console-status: output");
+        return 1;
+    }
+    return status;
 }

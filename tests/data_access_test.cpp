@@ -27,7 +27,7 @@ const KeyPath kListItem{{{"home_screen_icons", "n"}, {"dal_key", "k"}}};
 class DataAccess : public Sandbox {
   protected:
     void SetUp() override {
-        if (Sandbox::SetUp(); IsSkipped()) {
+        if (Sandbox::SetUp(); IsSkipped() || HasFatalFailure()) {
             return;
         }
         // The change of the journal has to wait for a writer.

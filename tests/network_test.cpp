@@ -15,7 +15,7 @@ namespace {
 class Network : public Sandbox {
   protected:
     void SetUp() override {
-        if (Sandbox::SetUp(); IsSkipped()) {
+        if (Sandbox::SetUp(); IsSkipped() || HasFatalFailure()) {
             return;
         }
         run("ip link add wire1 type veth peer name wire2 && ip link set wire1 up && "

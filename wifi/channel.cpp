@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/genetlink.h>
+#include <linux/nl80211.h>
 #include <net/if.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -89,6 +90,14 @@ nlmsghdr* wifi_prepare_request(uint16_t nlmsg_type, uint16_t nlmsg_flags, uint8_
         static_cast<genlmsghdr*>(mnl_nlmsg_put_extra_header(message, sizeof(genlmsghdr)));
     header->cmd = cmd;
     header->version = 1;
+    return message;
+}
+
+nlmsghdr* wifi_prepare_interface_request(const wifi_channel& channel, uint16_t nlmsg_flags,
+                                         uint8_t cmd) {
+    nlmsghdr* const message = wifi_prepare_request(channel.family_id, nlmsg_flags, cmd,
+                                                   channel.buffer, &channel.sequence);
+    mnl_attr_put_u32(message, NL80211_ATTR_IFINDEX, channel.interface_index);
     return message;
 }
 

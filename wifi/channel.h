@@ -36,6 +36,10 @@ void wifi_channel_close(wifi_channel& channel);
 nlmsghdr* wifi_prepare_request(uint16_t nlmsg_type, uint16_t nlmsg_flags, uint8_t cmd, void* buffer,
                                const uint32_t* sequence);
 
+// The same to nl80211, about the channel's interface.
+nlmsghdr* wifi_prepare_interface_request(const wifi_channel& channel, uint16_t nlmsg_flags,
+                                         uint8_t cmd);
+
 // Sends a request; a failure is fatal.
 void wifi_channel_send(const nlmsghdr* message, const mnl_socket* socket);
 

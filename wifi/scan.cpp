@@ -67,10 +67,8 @@ void ReadPastNotificationsNonBlocking(wifi_channel& channel) {
 
 // Starts a passive scan of all channels. Returns 0, or -1 if the kernel refuses.
 int triggerScan(wifi_channel& commands) {
-    nlmsghdr* const request =
-        wifi_prepare_request(commands.family_id, NLM_F_REQUEST | NLM_F_ACK,
-                             NL80211_CMD_TRIGGER_SCAN, commands.buffer, &commands.sequence);
-    mnl_attr_put_u32(request, NL80211_ATTR_IFINDEX, commands.interface_index);
+    nlmsghdr* const request = wifi_prepare_interface_request(commands, NLM_F_REQUEST | NLM_F_ACK,
+                                                             NL80211_CMD_TRIGGER_SCAN);
     wifi_channel_send(request, commands.socket);
     return wifi_channel_exchange(commands, wifi_on_scan_result);
 }

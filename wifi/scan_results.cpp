@@ -102,10 +102,8 @@ int wifi_on_scan_result(const nlmsghdr* message, void* data) {
 }
 
 int wifi_dump_scan(wifi_channel& commands) {
-    nlmsghdr* const request =
-        wifi_prepare_request(commands.family_id, NLM_F_REQUEST | NLM_F_ACK | NLM_F_DUMP,
-                             NL80211_CMD_GET_SCAN, commands.buffer, &commands.sequence);
-    mnl_attr_put_u32(request, NL80211_ATTR_IFINDEX, commands.interface_index);
+    nlmsghdr* const request = wifi_prepare_interface_request(
+        commands, NLM_F_REQUEST | NLM_F_ACK | NLM_F_DUMP, NL80211_CMD_GET_SCAN);
     wifi_channel_send(request, commands.socket);
     return wifi_channel_exchange(commands, wifi_on_scan_result);
 }

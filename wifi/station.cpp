@@ -63,10 +63,8 @@ int32_t wifi_scan_station(wifi_data* wifi, wifi_station_record* station) {
         return 0;
     }
     commands.context = station;
-    nlmsghdr* const request =
-        wifi_prepare_request(commands.family_id, NLM_F_REQUEST | NLM_F_ACK, NL80211_CMD_GET_STATION,
-                             commands.buffer, &commands.sequence);
-    mnl_attr_put_u32(request, NL80211_ATTR_IFINDEX, commands.interface_index);
+    nlmsghdr* const request = wifi_prepare_interface_request(commands, NLM_F_REQUEST | NLM_F_ACK,
+                                                             NL80211_CMD_GET_STATION);
     mnl_attr_put(request, NL80211_ATTR_MAC, sizeof bss.bssid, bss.bssid);
     wifi_channel_send(request, commands.socket);
     // The kernel refuses for a network that the interface doesn't belong to: no figures then.

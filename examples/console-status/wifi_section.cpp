@@ -141,5 +141,8 @@ int scanWifi(const std::string& port) {
     }
     networks.resize(static_cast<size_t>(std::min(count, kMost)));
     printNetworks(networks);
+    if (count > kMost) {
+        std::printf("  %d more are not shown.\n", count - kMost);
+    }
     return 0;
 }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "console-manager/network.h"
@@ -25,10 +26,11 @@ std::vector<Name> readNames(bool onlyActive) {
         if (onlyActive && CML_checkNetworkPortActive(name.c_str()) == 0) {
             continue;
         }
-        names.emplace_back(strdup(name.c_str()));
-        if (!names.back()) {
+        Name copy(strdup(name.c_str()));
+        if (!copy) {
             return {};
         }
+        names.push_back(std::move(copy));
     }
     return names;
 }

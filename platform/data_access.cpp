@@ -9,6 +9,7 @@
 #include <new>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/connection_state.h"
@@ -287,11 +288,12 @@ char** listNodes(sqlite3* connection, const Address& list, const Profile& profil
         Run run(connection, Verb::kListNodes, list, profile);
         int result = run.step();
         for (; result == SQLITE_ROW; result = run.step()) {
-            const auto id = run.text();
-            ids.emplace_back(id ? copyOf(*id) : nullptr);
-            if (!ids.back()) {
+            const auto text = run.text();
+            std::unique_ptr<char, Free> id(text ? copyOf(*text) : nullptr);
+            if (!id) {
                 return nullptr;
             }
+            ids.push_back(std::move(id));
         }
         if (result != SQLITE_DONE) {
             return nullptr;

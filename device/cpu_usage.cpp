@@ -26,6 +26,8 @@ std::vector<CpuTimes> readCpuTimes() {
     const std::string text = readText("/proc/stat");
     std::istringstream fields;
     fields.imbue(std::locale::classic());
+    // An extraction that runs out of memory must not count as a 0.
+    fields.exceptions(std::ios::badbit);
     for (std::string_view rest = text; !rest.empty();) {
         std::string_view line = takeLine(rest);
         if (!takeWord(line).starts_with("cpu")) {

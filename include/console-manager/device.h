@@ -5,6 +5,9 @@
  * All functions run on the caller's thread, need no initialisation and report nothing: a figure
  * that can't be read shows in the value alone, as each function says. The figures of the kernel are
  * read in its own notation, whatever locale the application has chosen. No descriptor stays open.
+ *
+ * A function that can't get the memory that it needs throws std::bad_alloc, which only a caller in
+ * C++ can catch; nothing is left allocated then, and the next call is as good as any.
  */
 #ifndef CONSOLE_MANAGER_DEVICE_H
 #define CONSOLE_MANAGER_DEVICE_H

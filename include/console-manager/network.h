@@ -12,6 +12,10 @@
  * copy the text before the next call. An IPv4 or IPv6 text is at the same address at every call;
  * that of the hardware address can move. Calls of different functions don't disturb each other.
  * Every function without a text of its own may be called from any thread at any time.
+ *
+ * Memory. A function that can't get the memory that it needs throws std::bad_alloc, which only a
+ * caller in C++ can catch; nothing is left allocated or open then, and the next call is as good as
+ * any.
  */
 #ifndef CONSOLE_MANAGER_NETWORK_H
 #define CONSOLE_MANAGER_NETWORK_H
@@ -32,7 +36,7 @@ extern "C" {
  *
  * Returns an array of names that a null pointer ends. Array and names are blocks from malloc; the
  * caller frees each name and then the array. Null when there is nothing to list, and when memory
- * for a name or the array runs out.
+ * runs out; if it does so within the standard library's walk through the folder, the process ends.
  *
  * When "/sys/class/net" can't be read the function throws std::filesystem::filesystem_error, which
  * only a caller in C++ can catch; nothing is left allocated then.

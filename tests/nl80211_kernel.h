@@ -3,11 +3,13 @@
 // script. libmnl's message code stays real.
 #pragma once
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <libmnl/libmnl.h>
 #include <linux/genetlink.h>
 #include <linux/nl80211.h>
 #include <net/if.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -21,6 +23,8 @@
 #include <map>
 #include <string>
 #include <vector>
+
+#include "fault.h"
 
 // Pieces of messages, as bytes in host byte order.
 namespace nl80211 {
@@ -119,8 +123,6 @@ inline struct Nl80211Kernel {
     std::map<int, Datagrams> on;  // the answer to each command
     Datagrams notifications;      // wait on the first socket of a handle
     Datagrams later;              // the same, but come when a scan has been triggered
-    std::string failing;          // a function that doesn't work
-    int failingCall = 1;          // and from which call on (1 for the first)
 
     // What was seen.
     std::vector<std::string> sent;  // requests, in hexadecimal digits
@@ -142,8 +144,8 @@ inline struct Nl80211Kernel {
         on[NL80211_CMD_GET_STATION] = {acknowledgement()};
     }
 
-    bool fails(const char* function) {
-        if (failing != function || --failingCall > 0) {
+    static bool fails(const char* function) {
+        if (!fault.hits(function)) {
             return false;
         }
         errno = ENOBUFS;
@@ -179,7 +181,8 @@ mnl_socket* mnl_socket_open(int bus) {
     if (kernel.fails("mnl_socket_open") || bus != NETLINK_GENERIC) {
         return nullptr;
     }
-    const int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    const Outside outside;
+    const int descriptor = eventfd(0, EFD_CLOEXEC);
     auto* const opened = new mnl_socket{descriptor, 1000u + unsigned(kernel.openSockets), {}};
     if (++kernel.openSockets % 2 == 1) {
         kernel.notifying = opened;
@@ -223,6 +226,7 @@ ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* request, size_t 
     if (kernel.fails("mnl_socket_sendto")) {
         return -1;
     }
+    const Outside outside;
     nlmsghdr head;
     std::memcpy(&head, request, sizeof head);
     const auto* const octets = static_cast<const uint8_t*>(request);
@@ -246,6 +250,10 @@ ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* request, size_t 
 }
 
 ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size) {
+    if (kernel.fails("mnl_socket_recvfrom")) {
+        return -1;
+    }
+    const Outside outside;
     auto& own = const_cast<mnl_socket*>(socket)->queue;
     auto& queue = own.empty() && socket == kernel.notifying ? kernel.notifications : own;
     if (queue.empty()) {
@@ -264,11 +272,19 @@ ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size)
     return static_cast<ssize_t>(datagram.size());
 }
 
-// For what is left of an answer.
+// For what is left of an answer; a receive that waits is another socket's, and real.
 ssize_t recv(int descriptor, void* buffer, size_t size, int flags) {
+    static const auto next = reinterpret_cast<decltype(&recv)>(dlsym(RTLD_NEXT, "recv"));
+    if (kernel.fails("recv")) {
+        return -1;
+    }
+    if (flags != MSG_DONTWAIT) {
+        return next(descriptor, buffer, size, flags);
+    }
     mnl_socket* const socket = kernel.commanded;
-    const bool waits = descriptor != socket->descriptor || flags != MSG_DONTWAIT;
-    return waits || socket->queue.empty() ? -1 : mnl_socket_recvfrom(socket, buffer, size);
+    return descriptor != socket->descriptor || socket->queue.empty()
+               ? -1
+               : mnl_socket_recvfrom(socket, buffer, size);
 }
 
 }  // extern "C"

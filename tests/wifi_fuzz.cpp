@@ -1,6 +1,4 @@
 // Feeds bytes to the Wi-Fi functions as what a kernel answers and notifies.
-#include <dlfcn.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -12,21 +10,16 @@
 
 #include "console-manager/wifi.h"
 #include "nl80211_kernel.h"
+#include "played_exit.h"
 
 namespace {
 
-struct Ended {};  // the library has ended the process, or would have
-
-bool inLibrary = false;
-
-template <typename Call>
-void callLibrary(Call call) {
-    inLibrary = true;
+// Calls the library, which may end there.
+void tryCall(auto call) {
     try {
-        call();
+        within(call);
     } catch (const Ended&) {
     }
-    inLibrary = false;
 }
 
 // Where bytes of the input can go, and the message or nest that they are put into.
@@ -71,17 +64,6 @@ bool ends(const char (&ssid)[33]) {
 
 }  // namespace
 
-// The C library's header says that exit throws nothing; this one does.
-extern "C" [[noreturn]] void playExit(int status) __asm__("exit");
-
-void playExit(int status) {
-    if (inLibrary) {
-        throw Ended();
-    }
-    reinterpret_cast<void (*)(int)>(dlsym(RTLD_NEXT, "exit"))(status);
-    std::abort();
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     kernel.reset();
     readScript({reinterpret_cast<const char*>(data), size});
@@ -90,10 +72,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto records = std::make_unique<wifi_bss_record[]>(kCapacity);
     const auto station = std::make_unique<wifi_station_record>();
     wifi_data* wifi = nullptr;
-    callLibrary([&] { wifi = wifi_scan_init("wlan7"); });
+    tryCall([&] { wifi = wifi_scan_init("wlan7"); });
     if (wifi != nullptr) {
-        callLibrary([&] { wifi_scan_all(wifi, records.get(), kCapacity); });
-        callLibrary([&] { wifi_scan_station(wifi, station.get()); });
+        tryCall([&] { wifi_scan_all(wifi, records.get(), kCapacity); });
+        tryCall([&] { wifi_scan_station(wifi, station.get()); });
         wifi_scan_close(wifi);
     }
     if (kernel.openSockets != 0 || !ends(records[0].ssid) || !ends(records[1].ssid) ||

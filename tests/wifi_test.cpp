@@ -177,10 +177,9 @@ TEST_F(Wifi, AnUnknownInterfaceGivesNullAndKeepsNothing) {
     const int descriptors = openDescriptors();
     for (const int look : {1, 2}) {
         kernel.reset();
-        kernel.failing = "if_nametoindex";
-        kernel.failingCall = look;
+        fault = {"if_nametoindex", look};
         testing::internal::CaptureStderr();
-        EXPECT_EQ(wifi_scan_init("wlan7"), nullptr);
+        EXPECT_EQ(within([] { return wifi_scan_init("wlan7"); }), nullptr);
         EXPECT_EQ(testing::internal::GetCapturedStderr(),
                   kPrefix + "Incorrect network interface: No such device\n");
         EXPECT_EQ(kernel.commands, look == 1 ? "" : "3/1 ");
@@ -243,12 +242,14 @@ TEST_F(Wifi, MostFailuresEndTheProcess) {
     for (const Case& c : cases) {
         c.scans ? open() : close();
         const auto run = [&] {
-            kernel.failing = c.failing;
+            fault = {c.failing};
             kernel.notifications = c.heard;
             if (!c.heard.empty()) {
                 kernel.on[CTRL_CMD_GETFAMILY] = c.heard;
             }
-            c.scans ? wifi_scan_all(wifi, nullptr, 0) : wifi_scan_init("wlan7") != nullptr;
+            within([&] {
+                c.scans ? wifi_scan_all(wifi, nullptr, 0) : wifi_scan_init("wlan7") != nullptr;
+            });
         };
         EXPECT_EXIT(run(), testing::ExitedWithCode(1), testing::Eq(c.words)) << &c - cases;
     }

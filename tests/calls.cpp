@@ -1,0 +1,365 @@
+#include "calls.h"
+
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <new>
+#include <sstream>
+#include <stdexcept>
+#include <type_traits>
+
+#include "console-manager/device.h"
+#include "console-manager/network.h"
+#include "console-manager/settings.h"
+#include "console-manager/wifi.h"
+#include "fault.h"
+#include "nl80211_kernel.h"
+#include "played_exit.h"
+#include "wifi/handle.h"
+
+namespace {
+
+constexpr auto plainly = [](auto call) { return call(); };
+
+template <typename... Part>
+std::string joined(const Part&... parts) {
+    std::ostringstream words;
+    ((words << parts << ' '), ...);
+    std::string text = words.str();
+    text.pop_back();
+    return text;
+}
+
+// What an exception that the library lets through tells.
+std::string failureOf(const std::function<std::string()>& run) {
+    try {
+        return run();
+    } catch (const std::bad_alloc&) {
+        return "no memory";
+    } catch (const Ended&) {
+        return "ended";
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+}
+
+// A block that the library has allocated; frees it.
+std::string taken(char* block) {
+    const std::string text = block == nullptr ? "null" : block;
+    std::free(block);
+    return text;
+}
+
+std::string takenList(char** list) {
+    std::string text = list == nullptr ? "null" : "";
+    for (const std::string& entry : take(list)) {
+        text += entry + ",";
+    }
+    return text;
+}
+
+// The two numbers that a function delivers, in the place of 7 and 8.
+template <typename Number>
+std::string both(auto ask) {
+    Number first = 7;
+    Number second = 8;
+    within([&] { return ask(&first, &second); });
+    return joined(first, second);
+}
+
+std::string outcome(int32_t result) {
+    return result == 0 ? "ok" : "failed";
+}
+
+class Table {
+  public:
+    void add(const std::string& function, const std::string& owner, const std::string& good,
+             const std::string& failed, const std::function<std::string()>& run) {
+        calls.push_back({function, owner, good, failed, [run] { return failureOf(run); }});
+    }
+
+    // The family of a setting, or of a list's item; another value than the default is stored, and
+    // an item is that of a node.
+    template <auto kGet, auto kSet, auto kDelete, auto kDeleteAll, auto kIsPresent, auto kDefault,
+              typename... Node>
+    void addFamily(const std::string& name, const std::string& initial, Node... node) {
+        constexpr bool kIsText = std::is_invocable_v<decltype(kSet), Node..., const char*>;
+        const std::string other = kIsText ? "x" : initial == "0" ? "1" : "0";
+        const auto set = [=](auto how) {
+            if constexpr (kIsText) {
+                return outcome(how([&] { return kSet(node..., other.c_str()); }));
+            } else {
+                return outcome(how([&, value = std::stoi(other)] { return kSet(node..., value); }));
+            }
+        };
+        const auto get = [=](auto how) {
+            std::conditional_t<kIsText, std::array<char, 8>, int32_t> value{};
+            const int32_t result = how([&] {
+                if constexpr (kIsText) {
+                    return kGet(node..., value.data(), nullptr, value.size());
+                } else {
+                    return kGet(node..., &value);
+                }
+            });
+            if constexpr (kIsText) {
+                return joined(outcome(result), value.data());
+            } else {
+                return joined(outcome(result), value);
+            }
+        };
+        const auto remove = [=](auto deletes) {
+            return [=] {
+                set(plainly);
+                const int32_t result = within([&] { return deletes(node...); });
+                return joined(outcome(result), kIsPresent(node...));
+            };
+        };
+        add("get" + name, name, "ok " + other, "failed " + initial, [=] {
+            set(plainly);
+            return get(within);
+        });
+        add("set" + name, name, "ok ok " + other, "failed ok " + initial, [=] {
+            kDelete(node...);
+            const std::string result = set(within);
+            return joined(result, get(plainly));
+        });
+        add("get" + name + "Default", "", initial, initial,
+            [] { return joined(within(kDefault)); });
+        add("delete" + name, name, "ok 0", "failed 1", remove(kDelete));
+        add("deleteAll" + name, name, "ok 0", "failed 1", remove(kDeleteAll));
+        add("is" + name + "Present", name, "1", "0", [=] {
+            set(plainly);
+            return joined(within([&] { return kIsPresent(node...); }));
+        });
+    }
+
+    template <auto kGetMalloc, auto kSet, typename... Node>
+    void addMalloc(const std::string& name, Node... node) {
+        add("get" + name + "Malloc", name, "ok x", "failed null", [=] {
+            kSet(node..., "x");
+            char* text = nullptr;
+            const int32_t result = within([&] { return kGetMalloc(node..., &text, nullptr); });
+            return joined(outcome(result), taken(text));
+        });
+    }
+
+    template <auto kDelete, auto kDeleteAll, auto kIsPresent, auto kList>
+    void addNodes(const std::string& name, const std::string& owner, auto set) {
+        const auto remove = [=](auto deletes) {
+            return [=] {
+                set();
+                const int32_t result = within(deletes);
+                return joined(outcome(result), kIsPresent("n"));
+            };
+        };
+        add("delete" + name, owner, "ok 0", "failed 1", remove([] { return kDelete("n"); }));
+        add("deleteAll" + name + "s", owner, "ok 0", "failed 1", remove(kDeleteAll));
+        add("is" + name + "Present", owner, "1", "0", [=] {
+            set();
+            return joined(within([] { return kIsPresent("n"); }));
+        });
+        add("list" + name + "s", owner, "n,", "null", [=] {
+            set();
+            return takenList(within(kList));
+        });
+    }
+
+    std::vector<Call> calls;
+};
+
+void addSettings(Table& table) {
+#define FAMILY(name, initial, ...)                                              \
+    table.addFamily<DAL_CML_get##name, DAL_CML_set##name, DAL_CML_delete##name, \
+                    DAL_CML_deleteAll##name, DAL_CML_is##name##Present,         \
+                    DAL_CML_get##name##Default>(#name,                          \
+                                                joined(initial) __VA_OPT__(, ) __VA_ARGS__);
+#define MALLOC(name, ...) \
+    table.addMalloc<DAL_CML_get##name##Malloc, DAL_CML_set##name>(#name __VA_OPT__(, ) __VA_ARGS__);
+#define NODES(item, node, value)                                                                \
+    table.addNodes<DAL_CML_delete##node, DAL_CML_deleteAll##node##s, DAL_CML_is##node##Present, \
+                   DAL_CML_list##node##s>(#node, #item, [] { DAL_CML_set##item("n", value); });
+#define BOOL_SETTING(name, key, scope, initial) FAMILY(name, initial)
+#define INT_SETTING BOOL_SETTING
+#define ENUMERATED_SETTING(name, key, scope, database, initial, ...) FAMILY(name, initial)
+#define STRING_SETTING(name, key, scope, initial) FAMILY(name, initial) MALLOC(name)
+#define INT_LIST(item, node, list, key, initial) FAMILY(item, initial, "n") NODES(item, node, 0)
+#define STRING_LIST(item, node, list, key, initial) \
+    FAMILY(item, initial, "n") MALLOC(item, "n") NODES(item, node, "x")
+#include "settings/catalogue.def"
+    table.add("DAL_CML_deleteAll", "settings", "0 00", "0 @(01|10|11)", [] {
+        DAL_CML_setTheme(1);
+        DAL_CML_setAutoTheme(1);
+        const int32_t result = within(DAL_CML_deleteAll);
+        return joined(result, DAL_CML_isThemePresent()) + joined(DAL_CML_isAutoThemePresent());
+    });
+}
+
+void addNetwork(Table& table) {
+    table.add("CML_getNetworkPortsList", "", "lo,peer,wire,", "null|filesystem error: *",
+              [] { return takenList(within([] { return CML_getNetworkPortsList(0); })); });
+    table.add("CML_getNetworkPortsList of active ports", "", "lo,", "null|filesystem error: *",
+              [] { return takenList(within([] { return CML_getNetworkPortsList(1); })); });
+    table.add("CML_checkNetworkPortActive", "", "1", "0",
+              [] { return joined(within([] { return CML_checkNetworkPortActive("lo"); })); });
+    table.add("CML_getNetworkPortStatus", "", "1 1 1", "0 0 0", [] {
+        CML_NetworkPortStatus status{7, 7};
+        const int32_t result = within([&] { return CML_getNetworkPortStatus("lo", &status); });
+        return joined(result, status.up, status.running);
+    });
+    const auto addText = [&](const std::string& function, const char* (*call)(const char*),
+                             const std::string& good) {
+        table.add(function, function, good, "|no memory",
+                  [=] { return std::string(within([=] { return call("wire"); })); });
+    };
+    addText("CML_getNetworkPortIPv4Address", CML_getNetworkPortIPv4Address, "192.0.2.5");
+    addText("CML_getNetworkPortIPv4NetMask", CML_getNetworkPortIPv4NetMask, "255.255.255.0");
+    addText("CML_getNetworkPortIPv4Gateway", CML_getNetworkPortIPv4Gateway, "192.0.2.1");
+    addText("CML_getNetworkPortIPv6Address", CML_getNetworkPortIPv6Address, "2001:db8::5");
+    addText("CML_getNetworkPortMACAddress", CML_getNetworkPortMACAddress, "02:00:5e:10:00:01");
+    table.add("CML_getNetworkPortInfo", "", "12 34", "0 34|12 0|no memory", [] {
+        return both<int32_t>(
+            [](int32_t* in, int32_t* out) { CML_getNetworkPortInfo("wire", in, out); });
+    });
+    table.add("CML_getHostAvailable", "", "0", "-1|no memory", [] {
+        return joined(within([] { return CML_getHostAvailable("host", 1, "wire"); }));
+    });
+}
+
+void addDevice(Table& table) {
+    const std::pair<const char*, const char* (*)()> texts[] = {
+        {"CML_getBuildType", CML_getBuildType},
+        {"CML_getProductID", CML_getProductID},
+        {"CML_getBuildId", CML_getBuildId},
+        {"CML_getMachineName", CML_getMachineName},
+        {"CML_getProductRelease", CML_getProductRelease}};
+    for (const auto& [function, call] : texts) {
+        table.add(function, "os_release", "text", "|no memory", [call = call] {
+            os_release.clear();
+            return std::string(within(call));
+        });
+    }
+    table.add("CML_getLinuxReleaseInformation", "", "text text", "@(null|text) @(null|text)", [] {
+        char* release = nullptr;
+        char* version = nullptr;
+        within([&] { return CML_getLinuxReleaseInformation(&release, &version); });
+        const auto kind = [](const std::string& text) { return text == "null" ? "null" : "text"; };
+        return joined(kind(taken(release)), kind(taken(version)));
+    });
+    table.add("CML_getStorageInfo", "", "1000 250", "0 0|no memory|popen?? failed!",
+              [] { return both<uint32_t>(CML_getStorageInfo); });
+    table.add("CML_getMemoryInformation", "", "2048 512", "7 8|2048 8|7 512|no memory",
+              [] { return both<int32_t>(CML_getMemoryInformation); });
+    // In a file that stands still nothing can be divided, and a reading that fails leaves the
+    // figures as they are.
+    table.add("CML_getAllCPUUsage", "usage", "2 1 1", "no memory", [] {
+        int32_t count = 0;
+        CML_getCPUUsage();
+        const auto* const usage = within([&] { return CML_getAllCPUUsage(&count); });
+        return joined(count, std::isnan(usage[0]), std::isnan(usage[1]));
+    });
+    table.add("CML_getCPUUsage", "usage", "1", "no memory", [] {
+        CML_getCPUUsage();
+        return joined(std::isnan(within(CML_getCPUUsage)));
+    });
+    table.add("CML_getUpTime", "", "12345.7", "0|no memory",
+              [] { return joined(static_cast<double>(within(CML_getUpTime))); });
+    table.add("CML_restoreDisplayBrightness", "", "", "", [] {
+        within(CML_restoreDisplayBrightness);
+        return "";
+    });
+    table.add("CML_getAllowDriverToAdjustBrightness", "AllowDriverToAdjustBrightness", "1", "0",
+              [] {
+                  DAL_CML_setAllowDriverToAdjustBrightness(1);
+                  return joined(within(CML_getAllowDriverToAdjustBrightness));
+              });
+    table.add("CML_getDisplayInactivityTimeout", "DisplayInactivityTimeout", "1", "15", [] {
+        DAL_CML_setDisplayInactivityTimeout(1);
+        return joined(within(CML_getDisplayInactivityTimeout));
+    });
+    table.add("CML_getDisplayOffTimeout", "DisplayOffTimeout", "1", "30", [] {
+        DAL_CML_setDisplayOffTimeout(1);
+        return joined(within(CML_getDisplayOffTimeout));
+    });
+}
+
+void addWifi(Table& table) {
+    using namespace nl80211;
+    const std::string bssid = attribute(NL80211_BSS_BSSID, "\2\2\2\2\2\1");
+    const std::string name =
+        attribute(NL80211_BSS_INFORMATION_ELEMENTS, std::string("\0\5depot", 7));
+    const std::string joinedTo = attribute(NL80211_BSS_STATUS, u32(NL80211_BSS_STATUS_ASSOCIATED));
+    kernel.reset();
+    kernel.on[NL80211_CMD_GET_SCAN] = {network(bssid + name), network(bssid + name + joinedTo),
+                                       done()};
+    kernel.on[NL80211_CMD_GET_STATION] = {station(attribute(NL80211_STA_INFO_RX_PACKETS, u32(5))),
+                                          acknowledgement()};
+    kernel.later = {notification(NL80211_CMD_NEW_SCAN_RESULTS)};
+    // What the kernel has seen is kept for one call.
+    const auto add = [&](const std::string& function, const std::string& good,
+                         const std::string& failed, std::string (*run)()) {
+        table.add(function, "wifi", good, failed, [run] {
+            std::vector<std::string>().swap(kernel.sent);
+            std::string().swap(kernel.commands);
+            return run();
+        });
+    };
+    add("wifi_scan_init", "handle", "null|ended", [] {
+        const Handle wifi(within([] { return wifi_scan_init("wlan7"); }));
+        return std::string(wifi ? "handle" : "null");
+    });
+    add("wifi_scan_close", "", "", [] {
+        wifi_data* const wifi = wifi_scan_init("wlan7");
+        within([=] { wifi_scan_close(wifi); });
+        return joined(kernel.openSockets == 0 ? "" : "open");
+    });
+    add("wifi_scan_all", "2 depot", "-1 |[01] ?(depot)|ended", [] {
+        const Handle wifi(wifi_scan_init("wlan7"));
+        wifi_bss_record record{};
+        kernel.notifications.clear();
+        const int32_t count = within([&] { return wifi_scan_all(wifi.get(), &record, 1); });
+        return joined(count, record.ssid);
+    });
+    add("wifi_scan_station", "1 depot 1 5", "0  0 0|1 depot @(-1 [05]|1 0)|ended", [] {
+        const Handle wifi(wifi_scan_init("wlan7"));
+        wifi_station_record record{};
+        const int32_t result = within([&] { return wifi_scan_station(wifi.get(), &record); });
+        return joined(result, record.ssid, record.status, record.rx_packets);
+    });
+    add("CML_getWifiStatus", "1 depot 5", "0 null 0|1  0|ended", [] {
+        CML_WifiStatus status{};
+        const int32_t result = within([&] { return CML_getWifiStatus("wlan7", &status); });
+        return joined(result, status.ssid == nullptr ? "null" : status.ssid, status.rxPackets);
+    });
+}
+
+}  // namespace
+
+void Calls::SetUp() {
+    if (Sandbox::SetUp(); IsSkipped() || HasFatalFailure()) {
+        return;
+    }
+    run("ip link add wire type veth peer name peer && "
+        "ip link set wire address 02:00:5e:10:00:01 up && "
+        "sysctl -qw net.ipv6.conf.wire.accept_dad=0 && ip addr add 192.0.2.5/24 dev wire && "
+        "ip addr add 2001:db8::5/64 dev wire nodad && "
+        "ip route add default via 192.0.2.1 dev wire");
+    bindFile("/sys/class/net/wire/statistics/rx_bytes", "12\n");
+    bindFile("/sys/class/net/wire/statistics/tx_bytes", "34\n");
+    bindFile("/etc/os-release",
+             "BUILD_MODE=text\nID=text\nBUILD_ID=text\nMACHINE=text\nVERSION=text\n");
+    bindFile("/proc/meminfo", "MemTotal: 2048 kB\nMemFree: 512 kB\n");
+    bindFile("/proc/stat", "cpu 1 1 1 1\ncpu0 1 1 1 1\n");
+    bindFile("/proc/uptime", "12345.67 54321.89\n");
+    putProgram("df", "echo /dev/data 1000 250");
+    putProgram("ping", "exit 0");
+    Table table;
+    addSettings(table);
+    addNetwork(table);
+    addDevice(table);
+    addWifi(table);
+    calls = table.calls;
+    for (const Call& call : calls) {
+        ASSERT_EQ(call.run(), call.good) << call.function;
+    }
+}

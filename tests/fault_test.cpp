@@ -1,0 +1,257 @@
+// Every exported function while what it calls fails, one call at a time.
+#include "fault.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <fnmatch.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "calls.h"
+#include "console-manager/settings.h"
+#include "platform/trace_debug.h"
+
+// The system and library calls, played: one of them fails, the others go on to the real one. The
+// names are those that the dynamic linker knows; on 32-bit ARM some have one of their own for
+// 64-bit time.
+#define PLAYED_IF(condition, name, Result, parameters, arguments, failure, error)                 \
+    extern "C" Result played_##name parameters __asm__(#name);                                    \
+    Result played_##name parameters {                                                             \
+        static const auto next = reinterpret_cast<Result(*) parameters>(dlsym(RTLD_NEXT, #name)); \
+        if ((condition) && fault.hits(#name)) {                                                   \
+            errno = error;                                                                        \
+            return failure;                                                                       \
+        }                                                                                         \
+        return next arguments;                                                                    \
+    }
+
+#define PLAYED(...) PLAYED_IF(true, __VA_ARGS__)
+
+// No kernel refuses to take a lock back.
+static bool givesUpLock(int command, const void* argument) {
+    return command == F_SETLK && static_cast<const flock*>(argument)->l_type == F_UNLCK;
+}
+
+// clang-format off
+PLAYED(socket, int, (int a, int b, int c), (a, b, c), -1, EMFILE)
+PLAYED(ioctl, int, (int a, unsigned long b, void* c), (a, b, c), -1, EIO)
+PLAYED(__ioctl_time64, int, (int a, unsigned long b, void* c), (a, b, c), -1, EIO)
+PLAYED(setsockopt, int, (int a, int b, int c, const void* d, unsigned e), (a, b, c, d, e), -1, ENOPROTOOPT)
+PLAYED(__setsockopt64, int, (int a, int b, int c, const void* d, unsigned e), (a, b, c, d, e), -1, ENOPROTOOPT)
+PLAYED(send, ssize_t, (int a, const void* b, size_t c, int d), (a, b, c, d), -1, ENOBUFS)
+PLAYED(getifaddrs, int, (void* a), (a), -1, ENOMEM)
+PLAYED(if_indextoname, char*, (unsigned a, char* b), (a, b), nullptr, ENXIO)
+PLAYED(uname, int, (void* a), (a), -1, EFAULT)
+PLAYED(popen, void*, (const char* a, const char* b), (a, b), nullptr, EMFILE)
+PLAYED(fgets, char*, (char* a, int b, void* c), (a, b, c), nullptr, EIO)
+PLAYED(system, int, (const char* a), (a), -1, EAGAIN)
+PLAYED(open, int, (const char* a, int b, unsigned c), (a, b, c), -1, EMFILE)
+PLAYED(open64, int, (const char* a, int b, unsigned c), (a, b, c), -1, EMFILE)
+PLAYED(openat, int, (int a, const char* b, int c), (a, b, c), -1, EMFILE)
+PLAYED(fopen64, void*, (const char* a, const char* b), (a, b), nullptr, EMFILE)
+PLAYED(fdopendir, void*, (int a), (a), nullptr, ENOMEM)
+PLAYED(readdir, void*, (void* a), (a), nullptr, EIO)
+PLAYED(readdir64, void*, (void* a), (a), nullptr, EIO)
+PLAYED(read, ssize_t, (int a, void* b, size_t c), (a, b, c), -1, EIO)
+PLAYED_IF(!givesUpLock(b, c), fcntl64, int, (int a, int b, void* c), (a, b, c), -1, EIO)
+PLAYED(__fcntl_time64, int, (int a, int b, void* c), (a, b, c), -1, EIO)
+PLAYED(fstat64, int, (int a, void* b), (a, b), -1, EIO)
+PLAYED(stat64, int, (const char* a, void* b), (a, b), -1, EIO)
+PLAYED(pread64, ssize_t, (int a, void* b, size_t c, off64_t d), (a, b, c, d), -1, EIO)
+PLAYED(pwrite64, ssize_t, (int a, const void* b, size_t c, off64_t d), (a, b, c, d), -1, EIO)
+PLAYED(fdatasync, int, (int a), (a), -1, EIO)
+PLAYED(ftruncate64, int, (int a, off64_t b), (a, b), -1, EIO)
+PLAYED(mmap64, void*, (void* a, size_t b, int c, int d, int e, off64_t f), (a, b, c, d, e, f), MAP_FAILED, ENOMEM)
+PLAYED(unlink, int, (const char* a), (a), -1, EIO)
+// clang-format on
+
+static long liveBlocks = 0;
+
+#ifndef __SANITIZE_ADDRESS__
+#ifndef __SANITIZE_THREAD__
+// The sanitizers have an allocator of their own, and tell of leaks by themselves.
+extern "C" {
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* block, size_t size);
+void __libc_free(void* block);
+
+void* malloc(size_t size) {
+    if (fault.hits("malloc")) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    ++liveBlocks;
+    return __libc_malloc(size);
+}
+void* calloc(size_t count, size_t size) {
+    if (fault.hits("malloc")) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    ++liveBlocks;
+    return __libc_calloc(count, size);
+}
+void* realloc(void* block, size_t size) {
+    if (fault.hits("malloc")) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    liveBlocks += block == nullptr ? 1 : 0;
+    return __libc_realloc(block, size);
+}
+void free(void* block) {
+    liveBlocks -= block == nullptr ? 0 : 1;
+    __libc_free(block);
+}
+}
+#endif
+#endif
+
+namespace {
+
+const char* const kFunctions[] = {"malloc",
+                                  "socket",
+                                  "ioctl",
+                                  "__ioctl_time64",
+                                  "setsockopt",
+                                  "__setsockopt64",
+                                  "send",
+                                  "recv",
+                                  "getifaddrs",
+                                  "if_indextoname",
+                                  "uname",
+                                  "popen",
+                                  "fgets",
+                                  "system",
+                                  "open",
+                                  "open64",
+                                  "openat",
+                                  "fopen64",
+                                  "fdopendir",
+                                  "readdir",
+                                  "readdir64",
+                                  "read",
+                                  "fcntl64",
+                                  "__fcntl_time64",
+                                  "fstat64",
+                                  "stat64",
+                                  "pread64",
+                                  "pwrite64",
+                                  "fdatasync",
+                                  "ftruncate64",
+                                  "mmap64",
+                                  "unlink",
+                                  "if_nametoindex",
+                                  "mnl_socket_open",
+                                  "mnl_socket_bind",
+                                  "mnl_socket_sendto",
+                                  "mnl_socket_recvfrom",
+                                  "mnl_socket_setsockopt"};
+
+// The opening of a database makes some thousand calls, too many for the emulated board.
+#ifdef __arm__
+constexpr int kStep = 20;
+#else
+constexpr int kStep = 1;
+#endif
+
+// What must not grow.
+struct Held {
+    long blocks = liveBlocks;
+    int descriptors = openDescriptors();
+};
+
+using Faults = Calls;
+
+bool matches(const std::string& alternatives, const std::string& text) {
+    return fnmatch(("@(" + alternatives + ")").c_str(), text.c_str(), FNM_EXTMATCH) == 0;
+}
+
+// Runs the call while the function's call of that number fails; false if it makes fewer.
+bool runFailing(const Call& call, const char* function, int number) {
+    const std::string where = call.function + ": " + function + " " + std::to_string(number);
+    fault = {function, number};
+    const std::string text = call.run();
+    const bool happened = fault.happened;
+    fault = {};
+    if (happened) {
+        EXPECT_TRUE(text == call.good || matches(call.failed, text)) << where << ": " << text;
+        EXPECT_EQ(call.run(), call.good) << where << ", and the call behind it";
+        EXPECT_TRUE(waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD) << where;
+    }
+    return happened;
+}
+
+TEST_F(Faults, EachLeavesTheDocumentedResultAndNothingElse) {
+    for (const Call& call : calls) {
+        for (const char* const function : kFunctions) {
+            // libstdc++ ends the process when it can't get memory for an entry of a directory.
+            if (call.function.starts_with("CML_getNetworkPortsList") && function == kFunctions[0]) {
+                continue;
+            }
+            for (int number = 1;; ++number) {
+                const Held before;
+                if (!runFailing(call, function, number)) {
+                    break;
+                }
+                // What is kept for the next time is kept once.
+                const Held once;
+                runFailing(call, function, number);
+                const Held twice;
+                const std::string where =
+                    call.function + ": " + function + " " + std::to_string(number);
+                EXPECT_EQ(twice.descriptors, before.descriptors) << where;
+                EXPECT_TRUE(once.blocks <= before.blocks || twice.blocks <= once.blocks) << where;
+            }
+        }
+    }
+}
+
+using FirstUse = Sandbox;
+
+// Each time a new process opens a new database, of which a call fails on the way.
+TEST_F(FirstUse, ADatabaseThatDoesNotOpenIsOpenedByTheNextCall) {
+    struct Shared {
+        bool happened;
+        Held held;
+    };
+    auto& shared = *new (mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE,
+                              MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Shared;
+    const auto statusOf = [&](const char* function, int number) {
+        std::filesystem::remove_all("/mnt/vex-data");
+        if (fork() == 0) {
+            TDL_logger()->flags = 0;
+            fault = {function, number};
+            int32_t value = -9;
+            const int32_t first = within([&] { return DAL_CML_getDisplayOffTimeout(&value); });
+            shared.happened = fault.happened;
+            fault = {};
+            const int32_t second = DAL_CML_setDisplayOffTimeout(5);
+            shared.held = Held();
+            _exit(value == 30 && second == 0 && (first == 0 || shared.happened) ? 0 : 1);
+        }
+        int status = -1;
+        wait(&status);
+        return status;
+    };
+    ASSERT_EQ(statusOf("", 0), 0);
+    const Held normal = shared.held;
+    for (const char* const function : kFunctions) {
+        for (int number = 1;; number += kStep) {
+            const std::string where = function + (" " + std::to_string(number));
+            EXPECT_EQ(statusOf(function, number), 0) << where;
+            if (!shared.happened) {
+                break;
+            }
+            EXPECT_EQ(shared.held.descriptors, normal.descriptors) << where;
+            EXPECT_LE(shared.held.blocks, normal.blocks) << where;
+        }
+    }
+}
+
+}  // namespace

@@ -4,6 +4,7 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
 
 if(DEFINED ENV{CONSOLE_BOARD_FOLDER})
     set(CMAKE_SYSROOT "$ENV{CONSOLE_BOARD_FOLDER}/sysroot")

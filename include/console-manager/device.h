@@ -136,7 +136,7 @@ long double CML_getUpTime(void);
 void CML_restoreDisplayBrightness(void);
 
 /*
- * Three settings of the display as plain results, each what the getter of the same name in
+ * Three settings of the display as plain results. Each is what the getter of the same name in
  * settings.h delivers: the stored value, or the default where none is stored or the database can't
  * be used. A failure doesn't show. Any thread may call them at any time.
  */

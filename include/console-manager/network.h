@@ -56,7 +56,10 @@ int32_t CML_checkNetworkPortActive(const char* port);
  */
 const char* CML_getNetworkPortIPv4Address(const char* port);
 
-/* The net mask of the port's first IPv4 address that has one, otherwise as above. */
+/*
+ * The net mask of the port's first IPv4 address that has one, otherwise as
+ * CML_getNetworkPortIPv4Address.
+ */
 const char* CML_getNetworkPortIPv4NetMask(const char* port);
 
 /*
@@ -73,7 +76,7 @@ const char* CML_getNetworkPortIPv4Gateway(const char* port);
 
 /*
  * The port's first IPv6 address as inet_ntop writes it, 45 characters at most, link-local or
- * global, whichever the kernel lists first; otherwise as above.
+ * global, whichever the kernel lists first; otherwise as CML_getNetworkPortIPv4Address.
  */
 const char* CML_getNetworkPortIPv6Address(const char* port);
 

@@ -10,11 +10,11 @@
  * The family of a setting S:
  *
  *     DAL_CML_getS          delivers the stored value, or the default where none is stored
- *     DAL_CML_getSMalloc    strings only: the same in memory of its own, and no default
+ *     DAL_CML_getSMalloc    strings only: the stored value in memory of its own, no default
  *     DAL_CML_setS          stores a value, in place of an earlier one
  *     DAL_CML_getSDefault   the default itself; touches no database and can't fail
  *     DAL_CML_deleteS       removes the stored value, so that the default holds again
- *     DAL_CML_deleteAllS    the same under all profile numbers
+ *     DAL_CML_deleteAllS    removes the stored values under all profile numbers
  *     DAL_CML_isSPresent    1 if a value is stored, 0 if not; a default doesn't count
  *
  * A profiled setting can have a value for each profile number; all these functions address number
@@ -66,6 +66,8 @@ int32_t DAL_CML_deleteAll(void);
 
 /*
  * ---- Settings of one value ----
+ *
+ * A number, a truth value or a text, stored and delivered as it is.
  */
 
 /* Revision of the user interface that the console shows. Integer, default 1, profiled. */

@@ -137,7 +137,8 @@ int32_t CML_getWifiStatus(const char* port, CML_WifiStatus* result);
 
 /*
  * What an attribute of the kernel's messages must be, if it comes. The tables below hold such rules
- * for one message or nest each; an attribute without a rule is taken as it is.
+ * for one message or nest each; an attribute without a rule is taken as it is. The tables are
+ * constant, and each _LENGTH is the number of rows.
  */
 typedef struct wifi_attribute_rule {
     uint32_t attribute; /* its number within the message or nest */
@@ -145,29 +146,27 @@ typedef struct wifi_attribute_rule {
     uint32_t length;    /* of the payload, in bytes; 0 where the type says enough */
 } wifi_attribute_rule;
 
-/* The tables are constant; each _LENGTH is the number of rows. */
-
-/* Reply of the generic netlink controller that describes a family. */
+/* Rules for the reply of the generic netlink controller that describes a family. */
 extern const wifi_attribute_rule NL80211_VALIDATION[2];
 extern const int32_t NL80211_VALIDATION_LENGTH;
 
-/* One multicast group in that reply. */
+/* Rules for one multicast group in that reply. */
 extern const wifi_attribute_rule NL80211_MCAST_GROUPS_VALIDATION[2];
 extern const int32_t NL80211_MCAST_GROUPS_VALIDATION_LENGTH;
 
-/* Message with one BSS of a scan. */
+/* Rules for the message with one BSS of a scan. */
 extern const wifi_attribute_rule NL80211_NEW_SCAN_RESULTS_VALIDATION[3];
 extern const int32_t NL80211_NEW_SCAN_RESULTS_VALIDATION_LENGTH;
 
-/* The BSS in it. */
+/* Rules for the BSS in that message. */
 extern const wifi_attribute_rule NL80211_BSS_VALIDATION[6];
 extern const int32_t NL80211_BSS_VALIDATION_LENGTH;
 
-/* Message about a station. */
+/* Rules for the message about a station. */
 extern const wifi_attribute_rule NL80211_CMD_NEW_STATION_VALIDATION[1];
 extern const int32_t NL80211_CMD_NEW_STATION_VALIDATION_LENGTH;
 
-/* The figures in it. */
+/* Rules for the figures in that message. */
 extern const wifi_attribute_rule NL80211_STA_INFO_VALIDATION[4];
 extern const int32_t NL80211_STA_INFO_VALIDATION_LENGTH;
 

@@ -1,4 +1,5 @@
 // console-status: shows what the console manager library knows, and changes settings.
+#include <clocale>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -41,17 +42,27 @@ const Command kCommands[] = {
      [](const Arguments& a) { return scanWifi(a[0]); }},
 };
 
-constexpr int kUsageError = 2;
-
 void printUsage(FILE* to) {
     std::fprintf(to, "usage: console-status                   report all\n");
     for (const Command& command : kCommands) {
         const std::string words = std::string(command.name) + " " + command.arguments;
         std::fprintf(to, "       console-status %-16s  %s\n", words.c_str(), command.help);
     }
-    std::fprintf(
-        to, "Exit status: 0 if it was done, 1 if not, 2 if the arguments are not understood.\n");
 }
+
+constexpr const char* kHelp = R"(
+The report has settings, lists, network ports, device and Wi-Fi, and the names for all commands. The
+settings are in /mnt/vex-data/m7/console-manager.db, AutoTheme is in /tmp/m7/console-manager.db. Run
+it as root, for the right to write there and to scan.
+
+    console-status set Language DE
+    console-status list HomeScreenIcon
+    NO_COLOR=1 console-status --watch 5
+
+Colours are for terminals, unless NO_COLOR is set or TERM is dumb.
+Exit status: 0 done (a report tells what it can't read), 1 failed, 2 arguments not understood, such
+as an unknown setting or a value that it can't have.
+)";
 
 int run(const Arguments& arguments) {
     if (arguments.empty()) {
@@ -60,6 +71,7 @@ int run(const Arguments& arguments) {
     }
     if (arguments[0] == "--help") {
         printUsage(stdout);
+        std::fputs(kHelp, stdout);
         return 0;
     }
     for (const Command& command : kCommands) {
@@ -74,6 +86,9 @@ int run(const Arguments& arguments) {
 }  // namespace
 
 int main(int count, char** words) {
+    // Networks' names are UTF-8, if they are text at all. Where a system lacks the locale, all but
+    // ASCII shows as "?".
+    std::setlocale(LC_CTYPE, "C.UTF-8");
     const int status = run({words + 1, words + count});
     if (std::fflush(stdout) != 0) {
         std::perror("console-status: output");

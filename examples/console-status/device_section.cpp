@@ -81,7 +81,7 @@ void reportSpace() {
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "console-status: storage: %s\n", error.what());
     }
-    Table space({"Space", "Size", "In use", "Share"});
+    Table space({"Space", ">Size", ">In use", ">Share"});
     addSpace(space, "Memory", static_cast<uint32_t>(memTotal),
              static_cast<uint32_t>(memTotal - memFree));
     addSpace(space, "Storage", totalBlocks, usedBlocks);
@@ -97,7 +97,7 @@ void reportLoad() {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         usage = CML_getAllCPUUsage(&count);
     }
-    Table load({"Processor", "Load"});
+    Table load({"Processor", ">Load"});
     for (int32_t i = 0; i < count; ++i) {
         load.add({i == 0 ? "All cores" : format("Core %d", i - 1),
                   percentage(static_cast<double>(usage[i]))});

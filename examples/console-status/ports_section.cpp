@@ -8,12 +8,15 @@
 
 namespace {
 
-std::string stateOf(const char* port) {
+Cell stateOf(const char* port) {
     CML_NetworkPortStatus status;
     if (CML_getNetworkPortStatus(port, &status) == 0) {
         return "gone";
     }
-    return status.running != 0 ? "up" : status.up != 0 ? "no link" : "down";
+    if (status.running != 0) {
+        return {"up", kGreen};
+    }
+    return status.up != 0 ? Cell("no link", kYellow) : Cell("down", kDim);
 }
 
 }  // namespace
@@ -21,7 +24,7 @@ std::string stateOf(const char* port) {
 void reportPorts() {
     printTitle("Network ports");
     Table table(
-        {"Port", "State", "IPv4", "Mask", "Gateway", "IPv6", "MAC", "Bytes in", "Bytes out"});
+        {"Port", "State", "IPv4", "Mask", "Gateway", "IPv6", "MAC", ">Bytes in", ">Bytes out"});
     for (const std::string& name : portNames()) {
         const char* const port = name.c_str();
         int32_t received = 0;

@@ -186,15 +186,15 @@ void reportSettings() {
     Table settings({"Setting", "Value", "State", "Database"});
     for (const Setting& setting : kSettings) {
         const Text value = setting.get();
-        const char* const state = !value                     ? "unreadable"
-                                  : setting.isPresent() == 1 ? "set"
-                                                             : "default";
+        const Cell state = !value                     ? Cell("unreadable", kYellow)
+                           : setting.isPresent() == 1 ? Cell("set")
+                                                      : Cell("default", kDim);
         settings.add({setting.name, value.value_or("?"), state, setting.place});
     }
     settings.print();
 
     printTitle("Lists");
-    Table lists({"List", "Nodes", "Database"});
+    Table lists({"List", ">Nodes", "Database"});
     for (const List& list : kLists) {
         const auto entries = entriesOf(list);
         lists.add({list.name, entries ? std::to_string(entries->size()) : "?", "persistent"});
@@ -205,7 +205,7 @@ void reportSettings() {
 int getSetting(const std::string& name) {
     const Setting* const setting = find(name);
     if (setting == nullptr) {
-        return 1;
+        return kUsageError;
     }
     const Text value = setting->get();
     if (!value) {
@@ -219,7 +219,7 @@ int getSetting(const std::string& name) {
 int setSetting(const std::string& name, const std::string& value) {
     const Setting* const setting = find(name);
     if (setting == nullptr) {
-        return 1;
+        return kUsageError;
     }
     if (!fits(*setting, value)) {
         const std::string range = setting->highest == kAny
@@ -227,7 +227,7 @@ int setSetting(const std::string& name, const std::string& value) {
                                       : "from 0 to " + std::to_string(setting->highest);
         std::fprintf(stderr, "console-status: %s takes a whole number %s, not '%s'\n", name.c_str(),
                      range.c_str(), value.c_str());
-        return 1;
+        return kUsageError;
     }
     const int32_t result = setting->set(value.c_str());
     return result == 0 ? 0 : failed("set", name, result);
@@ -236,7 +236,7 @@ int setSetting(const std::string& name, const std::string& value) {
 int resetSetting(const std::string& name) {
     const Setting* const setting = find(name);
     if (setting == nullptr) {
-        return 1;
+        return kUsageError;
     }
     const int32_t result = setting->reset();
     return result == 0 ? 0 : failed("reset", name, result);
@@ -264,5 +264,5 @@ int printList(const std::string& name) {
         std::fprintf(stderr, " %s", list.name);
     }
     std::fprintf(stderr, "\n");
-    return 1;
+    return kUsageError;
 }

@@ -4,49 +4,69 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <cwchar>
 #include <utility>
 
 namespace {
 
-// UTF-8 continuation bytes take no room on the screen.
-size_t width(const std::string& text) {
-    return static_cast<size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xc0) != 0x80; }));
+std::string variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value != nullptr ? value : "";
 }
 
-void printBold(const std::string& text) {
-    const bool terminal = isatty(STDOUT_FILENO) == 1;
-    std::printf("%s%s%s\n", terminal ? "\033[1m" : "", text.c_str(), terminal ? "\033[0m" : "");
+std::string styled(const char* style, const std::string& text) {
+    static const bool able = isatty(STDOUT_FILENO) == 1 && variable("NO_COLOR").empty() &&
+                             !variable("TERM").empty() && variable("TERM") != "dumb";
+    if (!able || style == nullptr || text.empty()) {
+        return text;
+    }
+    return std::string("\033[") + style + "m" + text + "\033[0m";
 }
 
 }  // namespace
 
-Table::Table(std::vector<std::string> heading) {
-    rows.push_back(std::move(heading));
+Cell::Cell(const std::string& cellText, const char* cellStyle) : style(cellStyle) {
+    for (size_t i = 0; i < cellText.size();) {
+        std::mbstate_t state{};
+        wchar_t character = 0;
+        const size_t left = cellText.size() - i;
+        const size_t length = std::mbrtowc(&character, &cellText[i], left, &state);
+        const bool valid = length > 0 && length <= left;
+        const int columns = valid ? wcwidth(character) : -1;
+        text += columns < 0 ? "?" : cellText.substr(i, length);
+        width += columns < 0 ? 1 : static_cast<size_t>(columns);
+        i += valid ? length : 1;
+    }
 }
 
-void Table::add(std::vector<std::string> row) {
+Table::Table(const std::vector<std::string>& headings) : widths(headings.size()) {
+    std::vector<Cell> row;
+    for (const std::string& heading : headings) {
+        flushRight.push_back(heading.starts_with('>'));
+        row.emplace_back(heading.substr(flushRight.back() ? 1 : 0), kBold);
+    }
+    add(std::move(row));
+}
+
+void Table::add(std::vector<Cell> row) {
+    row.resize(widths.size(), "");
+    for (size_t i = 0; i < row.size(); ++i) {
+        widths[i] = std::max(widths[i], row[i].width);
+    }
     rows.push_back(std::move(row));
 }
 
 void Table::print() const {
-    std::vector<size_t> widths(rows.front().size());
     for (const auto& row : rows) {
-        for (size_t i = 0; i < row.size() && i < widths.size(); ++i) {
-            widths[i] = std::max(widths[i], width(row[i]));
-        }
-    }
-    for (const auto& row : rows) {
-        std::string line = " ";
-        for (size_t i = 0; i < row.size() && i < widths.size(); ++i) {
-            line += " " + row[i] + std::string(widths[i] - width(row[i]) + 1, ' ');
+        std::string line;
+        for (size_t i = 0; i < row.size(); ++i) {
+            const std::string blanks(widths[i] - row[i].width, ' ');
+            const std::string text = styled(row[i].style, row[i].text);
+            line += "  " + (flushRight[i] ? blanks + text : text + blanks);
         }
         line.erase(line.find_last_not_of(' ') + 1);
-        if (&row == &rows.front()) {
-            printBold(line);
-        } else {
-            std::printf("%s\n", line.c_str());
-        }
+        std::printf("%s\n", line.c_str());
     }
 }
 
@@ -55,6 +75,5 @@ std::string orDash(const char* text) {
 }
 
 void printTitle(const std::string& title) {
-    std::printf("\n");
-    printBold(title);
+    std::printf("\n%s\n", styled(kBold, title).c_str());
 }

@@ -9,6 +9,7 @@
 #include <ctime>
 #include <optional>
 
+#include "sections.h"
 #include "table.h"
 
 namespace {
@@ -57,7 +58,7 @@ int watch(const std::string& seconds, void (*report)()) {
         std::fprintf(stderr,
                      "console-status: --watch takes a whole number of seconds from 1, not '%s'\n",
                      seconds.c_str());
-        return 2;
+        return kUsageError;
     }
     sigset_t interrupt;
     sigemptyset(&interrupt);

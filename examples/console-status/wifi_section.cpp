@@ -21,14 +21,6 @@ bool isWireless(const std::string& port) {
     return std::filesystem::exists("/sys/class/net/" + port + "/phy80211");
 }
 
-// A network's name can hold any byte; a terminal would obey some.
-std::string printable(const char* ssid) {
-    std::string text = ssid;
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == '\x7f'; }, '?');
-    return text;
-}
-
 // What a child process passes on.
 struct Answer {
     char ssid[33];
@@ -86,11 +78,11 @@ void printNetworks(std::vector<wifi_bss_record>& networks) {
                      [](const wifi_bss_record& a, const wifi_bss_record& b) {
                          return a.signal_mbm > b.signal_mbm;
                      });
-    Table table({"Network", "Access point", "MHz", "Signal", "Seen", "Joined"});
+    Table table({"Network", "Access point", ">MHz", ">Signal", ">Seen", "Joined"});
     for (const wifi_bss_record& network : networks) {
         const bool joined = network.status == 1 || network.status == 2;
-        table.add({*network.ssid == '\0' ? "(hidden)" : printable(network.ssid),
-                   macAddress(network.bssid), std::to_string(network.frequency),
+        table.add({*network.ssid == '\0' ? "(hidden)" : network.ssid, macAddress(network.bssid),
+                   std::to_string(network.frequency),
                    std::to_string(network.signal_mbm / 100) + " dBm",
                    std::to_string(network.seen_ms_ago) + " ms ago", joined ? "yes" : ""});
     }
@@ -101,7 +93,7 @@ void printNetworks(std::vector<wifi_bss_record>& networks) {
 
 void reportWifi() {
     printTitle("Wi-Fi");
-    Table table({"Port", "Network", "Signal", "Packets in", "Packets out"});
+    Table table({"Port", "Network", ">Signal", ">Packets in", ">Packets out"});
     bool any = false;
     for (const std::string& port : portNames()) {
         if (!isWireless(port)) {
@@ -113,7 +105,7 @@ void reportWifi() {
             table.add({port, "?"});
             continue;
         }
-        table.add({port, *status->ssid == '\0' ? "-" : printable(status->ssid),
+        table.add({port, *status->ssid == '\0' ? "-" : status->ssid,
                    std::to_string(status->signalDbm) + " dBm", std::to_string(status->rxPackets),
                    std::to_string(status->txPackets)});
     }

@@ -3,12 +3,15 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "port_names.h"
@@ -89,6 +92,41 @@ void printNetworks(std::vector<wifi_bss_record>& networks) {
     table.print();
 }
 
+// The cursor stays in front, so that a message of the library takes the line.
+void tick(const std::stop_token& stop, const sigset_t& deadly) {
+    constexpr timespec kPause{0, 100'000'000};
+    int signal = -1;
+    for (size_t i = 0; signal < 0 && !stop.stop_requested(); ++i) {
+        std::fprintf(stderr, "Scanning%-3s\r", std::string(i / 4 % 4, '.').c_str());
+        signal = sigtimedwait(&deadly, nullptr, &kPause);
+    }
+    std::fprintf(stderr, "%11s\r", "");
+    if (signal > 0) {
+        std::raise(signal);
+        pthread_sigmask(SIG_UNBLOCK, &deadly, nullptr);
+    }
+}
+
+// Scans, and shows that on a terminal until it is over, or the library or a signal ends the
+// process.
+int32_t scanVisibly(wifi_data* wifi, std::vector<wifi_bss_record>& networks) {
+    static std::jthread ticker;  // static: exit joins it
+    sigset_t deadly;
+    sigemptyset(&deadly);
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+        sigaddset(&deadly, signal);
+    }
+    if (isatty(STDERR_FILENO) == 1) {
+        pthread_sigmask(SIG_BLOCK, &deadly, nullptr);
+        ticker = std::jthread(tick, deadly);
+    }
+    const int32_t count =
+        wifi_scan_all(wifi, networks.data(), static_cast<int32_t>(networks.size()));
+    ticker = {};
+    pthread_sigmask(SIG_UNBLOCK, &deadly, nullptr);
+    return count;
+}
+
 }  // namespace
 
 void reportWifi() {
@@ -124,7 +162,7 @@ int scanWifi(const std::string& port) {
         return 1;
     }
     std::vector<wifi_bss_record> networks(kMost);
-    const int32_t count = wifi_scan_all(wifi.get(), networks.data(), kMost);
+    const int32_t count = scanVisibly(wifi.get(), networks);
     if (count < 0) {
         std::fprintf(stderr,
                      "console-status: can't scan with %s: it is down, not wireless or busy\n",

@@ -1,7 +1,5 @@
-// A dump of 200 networks through wifi_scan_all, beside libmnl alone receiving, walking and
-// validating the same bytes. The sockets are played: what is measured is the library's own work.
-#include <benchmark/benchmark.h>
-#include <dlfcn.h>
+// The Wi-Fi functions with 200 networks in the air, beside libmnl alone receiving, walking and
+// validating the same answers. The kernel is played: what is measured is the library's own work.
 #include <fcntl.h>
 #include <libmnl/libmnl.h>
 #include <linux/genetlink.h>
@@ -10,26 +8,27 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
+#include "bench/measure.h"
 #include "console-manager/wifi.h"
 
+// The answers to the requests, in datagrams.
+using Answer = std::vector<std::string>;
+
 struct mnl_socket {
-    bool notifies;
-    size_t next;  // of the datagrams of its answer
+    const Answer* answer;
+    size_t next;  // of its datagrams
 };
 
 namespace {
 
-int allocations = 0;
-
 constexpr int kNetworks = 200;
 constexpr uint16_t kFamily = 28;
 constexpr unsigned kGroup = 6;
-
-using Answer = std::vector<std::string>;
 
 nlmsghdr* begin(char* buffer, uint16_t type, uint8_t command) {
     nlmsghdr* const message = mnl_nlmsg_put_header(buffer);
@@ -61,6 +60,18 @@ std::string family() {
     mnl_attr_put_strz(message, CTRL_ATTR_MCAST_GRP_NAME, "scan");
     mnl_attr_nest_end(message, group);
     mnl_attr_nest_end(message, groups);
+    return bytesOf(message);
+}
+
+std::string station() {
+    char buffer[256]{};
+    nlmsghdr* const message = begin(buffer, kFamily, NL80211_CMD_NEW_STATION);
+    nlattr* const info = mnl_attr_nest_start(message, NL80211_ATTR_STA_INFO);
+    mnl_attr_put_u8(message, NL80211_STA_INFO_SIGNAL, static_cast<uint8_t>(-60));
+    mnl_attr_put_u8(message, NL80211_STA_INFO_SIGNAL_AVG, static_cast<uint8_t>(-60));
+    mnl_attr_put_u32(message, NL80211_STA_INFO_RX_PACKETS, 1);
+    mnl_attr_put_u32(message, NL80211_STA_INFO_TX_PACKETS, 1);
+    mnl_attr_nest_end(message, info);
     return bytesOf(message);
 }
 
@@ -106,14 +117,15 @@ Answer dump() {
 
 const Answer kFamilyAnswer = {family(), control(NLMSG_ERROR)};
 const Answer kDump = dump();
+const Answer kStationAnswer = {station(), control(NLMSG_ERROR)};
 char results[64];  // the notification that a scan has ended, so that none is waited for
 const Answer kNotification = {bytesOf(begin(results, kFamily, NL80211_CMD_NEW_SCAN_RESULTS))};
 
-mnl_socket sockets[2] = {{true, 0}, {false, 0}};
+mnl_socket sockets[2];  // of a handle: notifications, commands
 int opened = 0;
-const Answer* answers[2] = {&kFamilyAnswer, &kDump};
 
-// The rules that a program with libmnl alone would have, and the room for what it finds.
+// What a program with libmnl alone would do: keep the attributes of a message and of its nest,
+// those that it reads with a look at their types.
 template <size_t kSlots>
 struct Attributes {
     const nlattr* slots[kSlots];
@@ -126,6 +138,12 @@ int keep(const nlattr* attribute, void* data, bool valid) {
     }
     static_cast<Attributes<kSlots>*>(data)->slots[mnl_attr_get_type(attribute)] = attribute;
     return MNL_CB_OK;
+}
+
+template <size_t kSlots>
+int onAttribute(const nlattr* attribute, void* data) {
+    return mnl_attr_type_valid(attribute, kSlots - 1) < 0 ? MNL_CB_OK
+                                                          : keep<kSlots>(attribute, data, true);
 }
 
 int onMessageAttribute(const nlattr* attribute, void* data) {
@@ -176,68 +194,110 @@ int onNetwork(const nlmsghdr* message, void* data) {
     Attributes<20> inner{};
     if (outer.slots[NL80211_ATTR_BSS] != nullptr) {
         mnl_attr_parse_nested(outer.slots[NL80211_ATTR_BSS], onBssAttribute, &inner);
-        benchmark::DoNotOptimize(inner);
-        ++*static_cast<int*>(data);
+        *static_cast<int*>(data) += inner.slots[NL80211_BSS_BSSID] != nullptr ? 1 : 0;
     }
     return MNL_CB_OK;
 }
 
-void bareDump(benchmark::State& state) {
-    char buffer[4096];
-    for (auto _ : state) {
-        int count = 0;
-        mnl_socket& socket = sockets[1];
-        socket.next = 0;
-        ssize_t received;
-        do {
-            received = mnl_socket_recvfrom(&socket, buffer, sizeof buffer);
-        } while (received > 0 &&
-                 mnl_cb_run(buffer, static_cast<size_t>(received), 0, 0, onNetwork, &count) > 0);
-        if (count != kNetworks) {
-            state.SkipWithError("not all were read");
-        }
+int onStation(const nlmsghdr* message, void* data) {
+    Attributes<282> outer{};
+    mnl_attr_parse(message, sizeof(genlmsghdr), onAttribute<282>, &outer);
+    Attributes<43> inner{};
+    if (outer.slots[NL80211_ATTR_STA_INFO] != nullptr) {
+        mnl_attr_parse_nested(outer.slots[NL80211_ATTR_STA_INFO], onAttribute<43>, &inner);
+        *static_cast<int*>(data) += inner.slots[NL80211_STA_INFO_SIGNAL] != nullptr ? 1 : 0;
     }
+    return MNL_CB_OK;
 }
-BENCHMARK(bareDump);
 
-void scanAll(benchmark::State& state) {
-    static wifi_bss_record records[kNetworks];
-    opened = 0;
-    answers[0] = &kFamilyAnswer;
-    wifi_data* const wifi = wifi_scan_init("wlan7");
-    const int before = allocations;
-    for (auto _ : state) {
-        answers[0] = &kNotification;
-        sockets[0].next = 0;
-        if (wifi_scan_all(wifi, records, kNetworks) != kNetworks) {
-            state.SkipWithError("not all were read");
-        }
-    }
-    if (allocations != before) {
-        state.SkipWithError("memory was allocated");
-    }
-    wifi_scan_close(wifi);
+int onGroup(const nlattr* group, void* data) {
+    Attributes<3> inner{};
+    mnl_attr_parse_nested(group, onAttribute<3>, &inner);
+    *static_cast<int*>(data) += inner.slots[CTRL_ATTR_MCAST_GRP_ID] != nullptr ? 1 : 0;
+    return MNL_CB_OK;
 }
-BENCHMARK(scanAll);
+
+int onFamily(const nlmsghdr* message, void* data) {
+    Attributes<8> outer{};
+    mnl_attr_parse(message, sizeof(genlmsghdr), onAttribute<8>, &outer);
+    return mnl_attr_parse_nested(outer.slots[CTRL_ATTR_MCAST_GROUPS], onGroup, data);
+}
+
+// Receives all of an answer; each message for which the callback has a use adds one to the count.
+void bareAnswer(const Answer& answer, mnl_cb_t callback, int expected) {
+    char buffer[4096];
+    mnl_socket socket{&answer, 0};
+    int count = 0;
+    ssize_t received;
+    do {
+        received = mnl_socket_recvfrom(&socket, buffer, sizeof buffer);
+    } while (received > 0 &&
+             mnl_cb_run(buffer, static_cast<size_t>(received), 0, 0, callback, &count) > 0);
+    require(count == expected, "libmnl alone");
+}
+
+// With the blocks that a handle is made of: itself, and a buffer for each of its two sockets.
+// Through a volatile pointer, since the compiler would do without them.
+void bareInit() {
+    static void* (*volatile allocate)(size_t, size_t) = std::calloc;
+    void* const blocks[] = {allocate(1, 128), allocate(1, 4096), allocate(1, 4096)};
+    bareAnswer(kFamilyAnswer, onFamily, 1);
+    for (void* const block : blocks) {
+        std::free(block);
+    }
+}
+
+void bareScan() {
+    bareAnswer(kDump, onNetwork, kNetworks);
+}
+
+void bareStation() {
+    bareScan();
+    bareAnswer(kStationAnswer, onStation, 1);
+}
+
+void scanAll(wifi_data* wifi) {
+    static wifi_bss_record records[kNetworks];
+    sockets[0] = {&kNotification, 0};
+    require(wifi_scan_all(wifi, records, kNetworks) == kNetworks, "a scan");
+}
 
 }  // namespace
 
-extern "C" {
-
-void* malloc(size_t size) noexcept {
-    static auto* const real = reinterpret_cast<void* (*)(size_t)>(dlsym(RTLD_NEXT, "malloc"));
-    ++allocations;
-    return real(size);
+void measureWifi() {
+    beginSubsystem("wifi");
+    measure({.function = "wifi_scan_init + wifi_scan_close",
+             .call = [] { wifi_scan_close(wifi_scan_init("wlan7")); },
+             .floor = bareInit});
+    wifi_data* const wifi = wifi_scan_init("wlan7");
+    measure({.function = "wifi_scan_all", .call = [=] { scanAll(wifi); }, .floor = bareScan});
+    wifi_station_record station{};
+    measure({.function = "wifi_scan_station",
+             .call = [&] { require(wifi_scan_station(wifi, &station) == 1, "a station"); },
+             .floor = bareStation});
+    wifi_scan_close(wifi);
+    measure({.function = "CML_getWifiStatus",
+             .call =
+                 [] {
+                     CML_WifiStatus status;
+                     require(CML_getWifiStatus("wlan7", &status) == 1, "a Wi-Fi status");
+                 },
+             .floor =
+                 [] {
+                     bareInit();
+                     bareStation();
+                 }});
 }
+
+extern "C" {
 
 unsigned if_nametoindex(const char*) noexcept {
     return 7;
 }
 
 mnl_socket* mnl_socket_open(int) {
-    return &sockets[opened++];
+    return &sockets[opened++ % 2];
 }
-
 int mnl_socket_bind(mnl_socket*, unsigned, pid_t) {
     return 0;
 }
@@ -260,18 +320,21 @@ int mnl_socket_setsockopt(const mnl_socket*, int, void*, socklen_t) {
     return 0;
 }
 
-ssize_t mnl_socket_sendto(const mnl_socket* socket, const void*, size_t size) {
-    const_cast<mnl_socket*>(socket)->next = 0;
+ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* request, size_t size) {
+    const auto command = static_cast<const uint8_t*>(request)[sizeof(nlmsghdr)];
+    *const_cast<mnl_socket*>(socket) = {command == NL80211_CMD_GET_SCAN      ? &kDump
+                                        : command == NL80211_CMD_GET_STATION ? &kStationAnswer
+                                                                             : &kFamilyAnswer,
+                                        0};
     return static_cast<ssize_t>(size);
 }
 
 ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t) {
-    const Answer& answer = *answers[socket->notifies ? 0 : 1];
-    if (socket->next == answer.size()) {
+    if (socket->next == socket->answer->size()) {
         errno = EAGAIN;
         return -1;
     }
-    const std::string& datagram = answer[const_cast<mnl_socket*>(socket)->next++];
+    const std::string& datagram = (*socket->answer)[const_cast<mnl_socket*>(socket)->next++];
     std::memcpy(buffer, datagram.data(), datagram.size());
     return static_cast<ssize_t>(datagram.size());
 }

@@ -2,7 +2,7 @@
 # shellcheck shell=sh disable=SC2034
 
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libsqlite3-dev libmnl-dev"
-TEST_PACKAGES="$BUILD_PACKAGES libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format clang-tidy \
+TEST_PACKAGES="$BUILD_PACKAGES libgtest-dev clang libclang-rt-dev clang-format clang-tidy \
     valgrind iproute2 iputils-ping procps dpkg-dev doxygen"
 BOARD_PACKAGES="g++ g++-arm-linux-gnueabihf cmake ninja-build pkg-config qemu-system-arm cpio kmod \
     dpkg-dev"

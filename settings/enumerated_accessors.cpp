@@ -3,8 +3,6 @@
 
 #include "console-manager/settings.h"
 #include "settings/item_access.h"
-#include "settings/key_path.h"
-#include "settings/settings_database.h"
 
 namespace {
 
@@ -39,29 +37,34 @@ int32_t getNumber(sqlite3* db, const KeyPath& path, int32_t* value, Words words,
     return result;
 }
 
+template <typename Scope>
+int32_t setNumber(sqlite3* db, const KeyPath& path, int32_t value, Words words) {
+    return Scope::setString(db, path, wordOf(value, words));
+}
+
 }  // namespace
 
-#define ENUMERATED_SETTING(name, key, Scope, Store, initial, ...)                               \
-    static constexpr const char* k##name##Words[] = {__VA_ARGS__};                              \
-    int32_t DAL_CML_get##name(int32_t* value) {                                                 \
-        return getNumber<Scope>(open##Store##Database(), plainItem(key), value, k##name##Words, \
-                                initial);                                                       \
-    }                                                                                           \
-    int32_t DAL_CML_set##name(int32_t value) {                                                  \
-        return Scope::setString(open##Store##Database(), plainItem(key),                        \
-                                wordOf(value, k##name##Words));                                 \
-    }                                                                                           \
-    int32_t DAL_CML_get##name##Default(void) {                                                  \
-        return initial;                                                                         \
-    }                                                                                           \
-    int32_t DAL_CML_delete##name(void) {                                                        \
-        return Scope::deleteItem(open##Store##Database(), plainItem(key));                      \
-    }                                                                                           \
-    int32_t DAL_CML_deleteAll##name(void) {                                                     \
-        return deleteInAllProfiles(open##Store##Database(), plainItem(key));                    \
-    }                                                                                           \
-    int32_t DAL_CML_is##name##Present(void) {                                                   \
-        return Scope::isPresent(open##Store##Database(), plainItem(key));                       \
+#define ON_ITEM(Store, call) onPlainItem<open##Store##Database, call>
+
+#define ENUMERATED_SETTING(name, key, Scope, Store, initial, ...)                            \
+    static constexpr const char* k##name##Words[] = {__VA_ARGS__};                           \
+    int32_t DAL_CML_get##name(int32_t* value) {                                              \
+        return ON_ITEM(Store, getNumber<Scope>)(key, value, Words(k##name##Words), initial); \
+    }                                                                                        \
+    int32_t DAL_CML_set##name(int32_t value) {                                               \
+        return ON_ITEM(Store, setNumber<Scope>)(key, value, Words(k##name##Words));          \
+    }                                                                                        \
+    int32_t DAL_CML_get##name##Default(void) {                                               \
+        return initial;                                                                      \
+    }                                                                                        \
+    int32_t DAL_CML_delete##name(void) {                                                     \
+        return ON_ITEM(Store, Scope::deleteItem)(key);                                       \
+    }                                                                                        \
+    int32_t DAL_CML_deleteAll##name(void) {                                                  \
+        return ON_ITEM(Store, deleteInAllProfiles)(key);                                     \
+    }                                                                                        \
+    int32_t DAL_CML_is##name##Present(void) {                                                \
+        return ON_ITEM(Store, Scope::isPresent)(key);                                        \
     }
 
 #include "settings/catalogue.def"

@@ -7,6 +7,8 @@
 #include <limits>
 
 #include "platform/data_access.h"
+#include "settings/key_path.h"
+#include "settings/settings_database.h"
 
 constexpr int32_t kMinimum = std::numeric_limits<int32_t>::min();
 constexpr int32_t kMaximum = std::numeric_limits<int32_t>::max();
@@ -80,4 +82,18 @@ struct Unprofiled {
 // choice, which this call reaches.
 inline int32_t deleteInAllProfiles(sqlite3* db, const KeyPath& path) {
     return DAL_deleteProfiledItem(db, &path, DAL_ALL_PROFILES);
+}
+
+// Opens the database and makes one of the calls above, or one like them, on an item. Never inlined:
+// copies of it in the accessors, which differ in no more than the arguments, would be most of the
+// library.
+template <auto open, auto call, typename... Arguments>
+[[gnu::noinline]] int32_t onPlainItem(const char* key, Arguments... arguments) {
+    return call(open(), plainItem(key), arguments...);
+}
+
+template <auto call, typename... Arguments>
+[[gnu::noinline]] int32_t onListItem(const char* nodeId, const char* list, const char* key,
+                                     Arguments... arguments) {
+    return call(openPersistentDatabase(), listItem(list, nodeId, key), arguments...);
 }

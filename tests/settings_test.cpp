@@ -196,29 +196,6 @@ TEST_F(SettingsTest, ProcessesWaitForEachOther) {
     EXPECT_EQ(take(DAL_CML_listHomeScreenIconsNodes()).size(), 800u);
 }
 
-TEST_F(SettingsTest, ThreadsShareTheConnection) {
-    std::atomic<int> failures = 0;
-    const auto work = [&failures](const std::string& id) {
-        for (int i = 0; i < 25; ++i) {
-            failures += DAL_CML_setHomeScreenIcon(id.c_str(), id.c_str()) != 0;
-            failures += id == "0" && DAL_CML_deleteAll() != 0;
-            char text[8];
-            failures += DAL_CML_getHomeScreenIcon(id.c_str(), text, nullptr, sizeof text) != 0;
-            failures += std::string(text) != "" && text != id;
-            failures += take(DAL_CML_listHomeScreenIconsNodes()).size() > 4;
-        }
-    };
-    {
-        std::vector<std::jthread> threads;
-        for (const char* id : {"0", "1", "2", "3"}) {
-            threads.emplace_back(work, id);
-        }
-    }
-    EXPECT_EQ(failures, 0);
-    EXPECT_EQ(DAL_CML_setTheme(1), 0);
-    EXPECT_EQ(query(kFile, kValues + "; PRAGMA foreign_key_check"), "DARK");
-}
-
 TEST_F(SettingsTest, AFullDiskKeepsTheOldValue) {
     run("mkdir /mnt/vex-data && mount -t tmpfs -o size=1m none /mnt/vex-data");
     ASSERT_EQ(DAL_CML_setLanguage("OLD"), 0);

@@ -173,21 +173,6 @@ TEST_F(Wifi, TheScanGroupIsFoundByItsName) {
     }
 }
 
-TEST_F(Wifi, AnUnknownInterfaceGivesNullAndKeepsNothing) {
-    const int descriptors = openDescriptors();
-    for (const int look : {1, 2}) {
-        kernel.reset();
-        fault = {"if_nametoindex", look};
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(within([] { return wifi_scan_init("wlan7"); }), nullptr);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(),
-                  kPrefix + "Incorrect network interface: No such device\n");
-        EXPECT_EQ(kernel.commands, look == 1 ? "" : "3/1 ");
-        EXPECT_EQ(kernel.openSockets, 0);
-    }
-    EXPECT_EQ(openDescriptors(), descriptors);
-}
-
 TEST_F(Wifi, MostFailuresEndTheProcess) {
     const auto about = [](const std::string& id, const std::string& groups) {
         return reply(CTRL_CMD_NEWFAMILY, attribute(CTRL_ATTR_FAMILY_ID, id) + groups, GENL_ID_CTRL);
@@ -457,6 +442,7 @@ TEST_F(Wifi, WithoutAPortThereIsNoStatus) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               kPrefix + "Incorrect network interface: No such device\n");
     EXPECT_TRUE(status.ssid == nullptr && status.signalDbm == 0 && status.txPackets == 0);
+    EXPECT_EQ(kernel.commands, "") << "nobody was asked";
 }
 
 TEST_F(Wifi, TheRuleTablesAreExported) {

@@ -359,6 +359,7 @@ void Calls::SetUp() {
     addDevice(table);
     addWifi(table);
     calls = table.calls;
+    ASSERT_EQ(calls.size(), 352) << "one for each exported function, and two for the list of ports";
     for (const Call& call : calls) {
         ASSERT_EQ(call.run(), call.good) << call.function;
     }

@@ -1,13 +1,12 @@
 #include "calls.h"
 
-#include <array>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <new>
 #include <sstream>
 #include <stdexcept>
-#include <type_traits>
 
 #include "console-manager/device.h"
 #include "console-manager/network.h"
@@ -72,6 +71,20 @@ std::string outcome(int32_t result) {
     return result == 0 ? "ok" : "failed";
 }
 
+// The functions of a setting, or of a list's item at the node "n". Values are texts of 15 bytes at
+// most.
+struct Family {
+    std::string name;
+    std::string initial;
+    std::string other;  // a value that is not the default
+    int32_t (*get)(char* text);
+    int32_t (*set)(const char* text);
+    int32_t (*remove)();
+    int32_t (*removeAll)();
+    int32_t (*isPresent)();
+    std::string (*defaultValue)();
+};
+
 class Table {
   public:
     void add(const std::string& function, const std::string& owner, const std::string& good,
@@ -79,113 +92,117 @@ class Table {
         calls.push_back({function, owner, good, failed, [run] { return failureOf(run); }});
     }
 
-    // The family of a setting, or of a list's item; another value than the default is stored, and
-    // an item is that of a node.
-    template <auto kGet, auto kSet, auto kDelete, auto kDeleteAll, auto kIsPresent, auto kDefault,
-              typename... Node>
-    void addFamily(const std::string& name, const std::string& initial, Node... node) {
-        constexpr bool kIsText = std::is_invocable_v<decltype(kSet), Node..., const char*>;
-        const std::string other = kIsText ? "x" : initial == "0" ? "1" : "0";
-        const auto set = [=](auto how) {
-            if constexpr (kIsText) {
-                return outcome(how([&] { return kSet(node..., other.c_str()); }));
-            } else {
-                return outcome(how([&, value = std::stoi(other)] { return kSet(node..., value); }));
-            }
-        };
-        const auto get = [=](auto how) {
-            std::conditional_t<kIsText, std::array<char, 8>, int32_t> value{};
-            const int32_t result = how([&] {
-                if constexpr (kIsText) {
-                    return kGet(node..., value.data(), nullptr, value.size());
-                } else {
-                    return kGet(node..., &value);
-                }
-            });
-            if constexpr (kIsText) {
-                return joined(outcome(result), value.data());
-            } else {
-                return joined(outcome(result), value);
-            }
-        };
-        const auto remove = [=](auto deletes) {
-            return [=] {
-                set(plainly);
-                const int32_t result = within([&] { return deletes(node...); });
-                return joined(outcome(result), kIsPresent(node...));
-            };
-        };
-        add("get" + name, name, "ok " + other, "failed " + initial, [=] {
-            set(plainly);
-            return get(within);
-        });
-        add("set" + name, name, "ok ok " + other, "failed ok " + initial, [=] {
-            kDelete(node...);
-            const std::string result = set(within);
-            return joined(result, get(plainly));
-        });
-        add("get" + name + "Default", "", initial, initial,
-            [] { return joined(within(kDefault)); });
-        add("delete" + name, name, "ok 0", "failed 1", remove(kDelete));
-        add("deleteAll" + name, name, "ok 0", "failed 1", remove(kDeleteAll));
-        add("is" + name + "Present", name, "1", "0", [=] {
-            set(plainly);
-            return joined(within([&] { return kIsPresent(node...); }));
+    // A function that is called when something is stored, and removes it.
+    void addRemoval(const std::string& function, const std::string& owner,
+                    const std::function<void()>& store, int32_t (*remove)(),
+                    int32_t (*isPresent)()) {
+        add(function, owner, "ok 0", "failed 1", [=] {
+            store();
+            const int32_t result = within(remove);
+            return joined(outcome(result), isPresent());
         });
     }
 
-    template <auto kGetMalloc, auto kSet, typename... Node>
-    void addMalloc(const std::string& name, Node... node) {
-        add("get" + name + "Malloc", name, "ok x", "failed null", [=] {
-            kSet(node..., "x");
+    void addPresence(const std::string& function, const std::string& owner,
+                     const std::function<void()>& store, int32_t (*isPresent)()) {
+        add(function, owner, "1", "0", [=] {
+            store();
+            return joined(within(isPresent));
+        });
+    }
+
+    void addFamily(const Family& f) {
+        const auto store = [f] { f.set(f.other.c_str()); };
+        const auto get = [f](auto how) {
+            char text[16] = "";
+            const int32_t result = how([&] { return f.get(text); });
+            return joined(outcome(result), text);
+        };
+        add("get" + f.name, f.name, "ok " + f.other, "failed " + f.initial, [=] {
+            store();
+            return get(within);
+        });
+        add("set" + f.name, f.name, "ok ok " + f.other, "failed ok " + f.initial, [=] {
+            f.remove();
+            const int32_t result = within([&] { return f.set(f.other.c_str()); });
+            return joined(outcome(result), get(plainly));
+        });
+        add("get" + f.name + "Default", "", f.initial, f.initial, f.defaultValue);
+        addRemoval("delete" + f.name, f.name, store, f.remove, f.isPresent);
+        addRemoval("deleteAll" + f.name, f.name, store, f.removeAll, f.isPresent);
+        addPresence("is" + f.name + "Present", f.name, store, f.isPresent);
+    }
+
+    void addMalloc(const std::string& item, void (*store)(), int32_t (*get)(char** text)) {
+        add("get" + item + "Malloc", item, "ok x", "failed null", [=] {
+            store();
             char* text = nullptr;
-            const int32_t result = within([&] { return kGetMalloc(node..., &text, nullptr); });
+            const int32_t result = within([&] { return get(&text); });
             return joined(outcome(result), taken(text));
         });
     }
 
-    template <auto kDelete, auto kDeleteAll, auto kIsPresent, auto kList>
-    void addNodes(const std::string& name, const std::string& owner, auto set) {
-        const auto remove = [=](auto deletes) {
-            return [=] {
-                set();
-                const int32_t result = within(deletes);
-                return joined(outcome(result), kIsPresent("n"));
-            };
-        };
-        add("delete" + name, owner, "ok 0", "failed 1", remove([] { return kDelete("n"); }));
-        add("deleteAll" + name + "s", owner, "ok 0", "failed 1", remove(kDeleteAll));
-        add("is" + name + "Present", owner, "1", "0", [=] {
-            set();
-            return joined(within([] { return kIsPresent("n"); }));
-        });
-        add("list" + name + "s", owner, "n,", "null", [=] {
-            set();
-            return takenList(within(kList));
+    void addNodes(const std::string& node, const std::string& item, void (*store)(),
+                  int32_t (*remove)(), int32_t (*removeAll)(), int32_t (*isPresent)(),
+                  char** (*list)()) {
+        addRemoval("delete" + node, item, store, remove, isPresent);
+        addRemoval("deleteAll" + node + "s", item, store, removeAll, isPresent);
+        addPresence("is" + node + "Present", item, store, isPresent);
+        add("list" + node + "s", item, "n,", "null", [=] {
+            store();
+            return takenList(within(list));
         });
     }
 
     std::vector<Call> calls;
 };
 
+// Behind a name stands "n" for a list's item, and nothing for a setting.
+#define WITH_NODE(...) __VA_ARGS__ __VA_OPT__(, )
+#define FAMILY(name, initial, other, get, set, ...)                         \
+    table.addFamily({#name, joined(initial), other, get, set,               \
+                     [] { return DAL_CML_delete##name(__VA_ARGS__); },      \
+                     [] { return DAL_CML_deleteAll##name(__VA_ARGS__); },   \
+                     [] { return DAL_CML_is##name##Present(__VA_ARGS__); }, \
+                     [] { return joined(within(DAL_CML_get##name##Default)); }});
+#define NUMBER(name, initial, ...)                                                    \
+    FAMILY(                                                                           \
+        name, initial, (initial) == 0 ? "1" : "0",                                    \
+        [](char* text) {                                                              \
+            int32_t value = -9;                                                       \
+            const int32_t result = DAL_CML_get##name(WITH_NODE(__VA_ARGS__) & value); \
+            std::snprintf(text, 16, "%d", value);                                     \
+            return result;                                                            \
+        },                                                                            \
+        [](const char* text) {                                                        \
+            return DAL_CML_set##name(WITH_NODE(__VA_ARGS__) std::atoi(text));         \
+        } __VA_OPT__(, ) __VA_ARGS__)
+#define TEXT(name, initial, ...)                                                                \
+    FAMILY(                                                                                     \
+        name, initial, "x",                                                                     \
+        [](char* text) { return DAL_CML_get##name(WITH_NODE(__VA_ARGS__) text, nullptr, 16); }, \
+        [](const char* text) {                                                                  \
+            return DAL_CML_set##name(WITH_NODE(__VA_ARGS__) text);                              \
+        } __VA_OPT__(, ) __VA_ARGS__)                                                           \
+    table.addMalloc(                                                                            \
+        #name, [] { DAL_CML_set##name(WITH_NODE(__VA_ARGS__) "x"); },                           \
+        [](char** text) {                                                                       \
+            return DAL_CML_get##name##Malloc(WITH_NODE(__VA_ARGS__) text, nullptr);             \
+        });
+#define NODES(item, node, value)                                              \
+    table.addNodes(                                                           \
+        #node, #item, [] { DAL_CML_set##item("n", value); },                  \
+        [] { return DAL_CML_delete##node("n"); }, DAL_CML_deleteAll##node##s, \
+        [] { return DAL_CML_is##node##Present("n"); }, DAL_CML_list##node##s);
+
+#define BOOL_SETTING(name, key, scope, initial) NUMBER(name, initial)
+#define INT_SETTING(name, key, scope, initial) NUMBER(name, initial)
+#define ENUMERATED_SETTING(name, key, scope, database, initial, ...) NUMBER(name, initial)
+#define STRING_SETTING(name, key, scope, initial) TEXT(name, initial)
+#define INT_LIST(item, node, list, key, initial) NUMBER(item, initial, "n") NODES(item, node, 0)
+#define STRING_LIST(item, node, list, key, initial) TEXT(item, initial, "n") NODES(item, node, "x")
+
 void addSettings(Table& table) {
-#define FAMILY(name, initial, ...)                                              \
-    table.addFamily<DAL_CML_get##name, DAL_CML_set##name, DAL_CML_delete##name, \
-                    DAL_CML_deleteAll##name, DAL_CML_is##name##Present,         \
-                    DAL_CML_get##name##Default>(#name,                          \
-                                                joined(initial) __VA_OPT__(, ) __VA_ARGS__);
-#define MALLOC(name, ...) \
-    table.addMalloc<DAL_CML_get##name##Malloc, DAL_CML_set##name>(#name __VA_OPT__(, ) __VA_ARGS__);
-#define NODES(item, node, value)                                                                \
-    table.addNodes<DAL_CML_delete##node, DAL_CML_deleteAll##node##s, DAL_CML_is##node##Present, \
-                   DAL_CML_list##node##s>(#node, #item, [] { DAL_CML_set##item("n", value); });
-#define BOOL_SETTING(name, key, scope, initial) FAMILY(name, initial)
-#define INT_SETTING BOOL_SETTING
-#define ENUMERATED_SETTING(name, key, scope, database, initial, ...) FAMILY(name, initial)
-#define STRING_SETTING(name, key, scope, initial) FAMILY(name, initial) MALLOC(name)
-#define INT_LIST(item, node, list, key, initial) FAMILY(item, initial, "n") NODES(item, node, 0)
-#define STRING_LIST(item, node, list, key, initial) \
-    FAMILY(item, initial, "n") MALLOC(item, "n") NODES(item, node, "x")
 #include "settings/catalogue.def"
     table.add("DAL_CML_deleteAll", "settings", "0 00", "0 @(01|10|11)", [] {
         DAL_CML_setTheme(1);

@@ -16,6 +16,10 @@ struct Call {
     std::function<std::string()> run;  // only the function itself is called within()
 };
 
+inline bool startsProgram(const Call& call) {
+    return call.function == "CML_getHostAvailable" || call.function == "CML_getStorageInfo";
+}
+
 // Files, ports, programs and a Wi-Fi kernel from which every call gets its good result. The
 // databases are open.
 class Calls : public Sandbox {

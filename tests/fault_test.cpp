@@ -5,9 +5,11 @@
 #include <fcntl.h>
 #include <fnmatch.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <vector>
@@ -191,6 +193,22 @@ TEST_F(Faults, EachLeavesTheDocumentedResultAndNothingElse) {
             }
         }
     }
+}
+
+// By the kernel's own limit, which doesn't hold for root.
+TEST_F(Faults, NoProgramCanBeStarted) {
+    if (fork() == 0) {
+        [[maybe_unused]] const int result = setuid(65534);
+        const rlimit none{0, 0};
+        setrlimit(RLIMIT_NPROC, &none);
+        const auto fails = [](const Call& call) {
+            return !startsProgram(call) || matches(call.failed, call.run());
+        };
+        _exit(std::ranges::all_of(calls, fails) ? 0 : 1);
+    }
+    int status = -1;
+    wait(&status);
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(Faults, AScanAllocatesNothing) {

@@ -113,8 +113,8 @@ void CML_getNetworkPortInfo(const char* port, int32_t* rxBytes, int32_t* txBytes
  * from; null or empty to leave that to the routing.
  *
  * Returns 0 if the host answered. Any other value means that it didn't, or that ping couldn't be
- * run: what system() gave, -1 if there was no shell, else the wait status. So this is no truth
- * value.
+ * run: what system() gave, the wait status of the shell (that of exit status 127 if there was none)
+ * or -1. So this is no truth value.
  *
  * host and port reach the shell as they stand: pass plain names only, never text from outside that
  * hasn't been checked.

@@ -238,6 +238,7 @@ void addNetwork(Table& table) {
         return both<int32_t>(
             [](int32_t* in, int32_t* out) { CML_getNetworkPortInfo("wire", in, out); });
     });
+    // 32512 is the wait status of a shell that couldn't be run, 127.
     table.add("CML_getHostAvailable", "", "0", "-1|32512|no memory", [] {
         return joined(within([] { return CML_getHostAvailable("host", 1, "wire"); }));
     });

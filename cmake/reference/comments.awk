@@ -55,6 +55,9 @@ inComment || /^\/\*/ {
     line = $0
     sub(/^ ?\/?\*+[ \/]?/, "", line)
     sub(/ ?\*\/$/, "", line)
+    if (line ~ /^\*/) {
+        line = "\\" line  # Doxygen would take that one off, too
+    }
     if (/^ \*     DAL_CML_/) {
         form = substr($2, 9)
         purpose[form] = substr(line, index(line, $3))

@@ -26,6 +26,7 @@ TEST_F(ConsoleStatus, AnswersCommands) {
         {"reset Language", "status 0\n"},
         {"get Language", "EN\nstatus 0\n"},
         {"get Language >/dev/full", "No space left on device\nstatus 1\n"},
+        {"--watch 1 >/dev/full", "No space left on device\nstatus 1\n"},
         {"set Theme 3", "from 0 to 2, not '3'\nstatus 2\n"},
         {"set DriverDisplaySource -7", "status 0\n"},
         {"get DriverDisplaySource", "-7\nstatus 0\n"},

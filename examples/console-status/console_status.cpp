@@ -27,7 +27,10 @@ void report() {
     reportWifi();
 }
 
+int printHelp();
+
 const Command kCommands[] = {
+    {"--help", "", 0, "tell more", [](const Arguments&) { return printHelp(); }},
     {"--watch", "SECONDS", 1, "report again and again, with the load in between, until SIGINT",
      [](const Arguments& a) { return watch(a[0], report); }},
     {"get", "NAME", 1, "print the value of a setting",
@@ -64,14 +67,15 @@ Exit status: 0 done (a report tells what it can't read), 1 failed, 2 arguments n
 as an unknown setting or a value that it can't have.
 )";
 
+int printHelp() {
+    printUsage(stdout);
+    std::fputs(kHelp, stdout);
+    return 0;
+}
+
 int run(const Arguments& arguments) {
     if (arguments.empty()) {
         report();
-        return 0;
-    }
-    if (arguments[0] == "--help") {
-        printUsage(stdout);
-        std::fputs(kHelp, stdout);
         return 0;
     }
     for (const Command& command : kCommands) {
@@ -90,7 +94,7 @@ int main(int count, char** words) {
     // ASCII shows as "?".
     std::setlocale(LC_CTYPE, "C.UTF-8");
     const int status = run({words + 1, words + count});
-    if (std::fflush(stdout) != 0) {
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::perror("console-status: output");
         return 1;
     }

@@ -35,7 +35,11 @@ std::string mebibytes(uint32_t kibibytes) {
 }
 
 std::string readableUpTime() {
-    const auto seconds = static_cast<int64_t>(CML_getUpTime());
+    const long double upTime = CML_getUpTime();
+    if (upTime == 0) {
+        return "-";  // it couldn't be read
+    }
+    const auto seconds = static_cast<int64_t>(upTime);
     const int64_t minutes = seconds / 60;
     const int64_t hours = minutes / 60;
     const int64_t days = hours / 24;
@@ -91,8 +95,8 @@ void reportSpace() {
 void reportLoad() {
     int32_t count = 0;
     const long double* usage = CML_getAllCPUUsage(&count);
-    // A single figure is that of a first call, which has no interval yet: every machine has a
-    // figure for the whole and one for each core.
+    // A single figure is that of a first call, which has no interval yet, or of a file that can't
+    // be read: every machine has a figure for the whole and one for each core.
     if (count == 1) {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         usage = CML_getAllCPUUsage(&count);
@@ -100,7 +104,7 @@ void reportLoad() {
     Table load({"Processor", ">Load"});
     for (int32_t i = 0; i < count; ++i) {
         load.add({i == 0 ? "All cores" : format("Core %d", i - 1),
-                  percentage(static_cast<double>(usage[i]))});
+                  count == 1 ? "-" : percentage(static_cast<double>(usage[i]))});
     }
     load.print();
 }

@@ -72,7 +72,8 @@ int watch(const std::string& seconds, void (*report)()) {
     show();
     // Counted from the end of the first report, which waits for a load to show. Each comes at its
     // time, and not sooner because the one before was late.
-    for (auto next = Clock::now() + *interval; !cameBefore(next, interrupt);
+    for (auto next = Clock::now() + *interval;
+         std::ferror(stdout) == 0 && !cameBefore(next, interrupt);
          next = std::max(next + *interval, Clock::now())) {
         show();
     }

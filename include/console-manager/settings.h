@@ -21,8 +21,9 @@
  * 0, and the deleteAll forms every one. An unprofiled setting has one value.
  *
  * Results. 0 is success, anything else a failure of the data access library, passed on as it is:
- * its numbers are those of SQLite (5 the database is locked, 13 the disk is full ...). isSPresent
- * answers 1 or 0, and 0 on a failure too. A set or delete that returned 0 is on the disk.
+ * its numbers are those of SQLite (5 the database is locked, 7 memory has run out, 13 the disk is
+ * full ...). isSPresent answers 1 or 0, and 0 on a failure too. A set or delete that returned 0 is
+ * on the disk.
  *
  * Getters deliver on every path: also when the database can't be opened *value, or the buffer,
  * holds the default afterwards, and only the result tells. No argument is checked for meaning: an

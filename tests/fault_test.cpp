@@ -19,15 +19,11 @@
 #include "platform/trace_debug.h"
 
 // What is made to fail: these, which the played kernel has, and all that follow.
-static std::vector<const char*> functions = {"recv",
-                                             "system",
-                                             "malloc",
-                                             "if_nametoindex",
-                                             "mnl_socket_open",
-                                             "mnl_socket_bind",
-                                             "mnl_socket_sendto",
-                                             "mnl_socket_recvfrom",
-                                             "mnl_socket_setsockopt"};
+// clang-format off
+static std::vector<const char*> functions = {
+    "recv", "system", "malloc", "if_nametoindex", "mnl_socket_open", "mnl_socket_bind",
+    "mnl_socket_sendto", "mnl_socket_recvfrom", "mnl_socket_setsockopt"};
+// clang-format on
 
 // System and library calls: one of them fails, the others go on to the real one. The names are
 // those that the dynamic linker knows.
@@ -103,40 +99,23 @@ static long liveBlocks = 0;
 
 #ifndef __SANITIZE_ADDRESS__
 // The sanitizer has an allocator of its own, and tells of leaks by itself.
-extern "C" {
-void* __libc_malloc(size_t size);
-void* __libc_calloc(size_t count, size_t size);
-void* __libc_realloc(void* block, size_t size);
-void __libc_free(void* block);
-
-void* malloc(size_t size) {
-    if (fault.hits("malloc")) {
-        errno = ENOMEM;
-        return nullptr;
+#define ALLOCATION(name, parameters, arguments, newBlocks) \
+    extern "C" void* __libc_##name parameters;             \
+    extern "C" void* name parameters {                     \
+        if (fault.hits("malloc")) {                        \
+            errno = ENOMEM;                                \
+            return nullptr;                                \
+        }                                                  \
+        liveBlocks += newBlocks;                           \
+        return __libc_##name arguments;                    \
     }
-    ++liveBlocks;
-    return __libc_malloc(size);
-}
-void* calloc(size_t count, size_t size) {
-    if (fault.hits("malloc")) {
-        errno = ENOMEM;
-        return nullptr;
-    }
-    ++liveBlocks;
-    return __libc_calloc(count, size);
-}
-void* realloc(void* block, size_t size) {
-    if (fault.hits("malloc")) {
-        errno = ENOMEM;
-        return nullptr;
-    }
-    liveBlocks += block == nullptr ? 1 : 0;
-    return __libc_realloc(block, size);
-}
-void free(void* block) {
+ALLOCATION(malloc, (size_t size), (size), 1)
+ALLOCATION(calloc, (size_t count, size_t size), (count, size), 1)
+ALLOCATION(realloc, (void* block, size_t size), (block, size), block == nullptr ? 1 : 0)
+extern "C" void __libc_free(void* block);
+extern "C" void free(void* block) {
     liveBlocks -= block == nullptr ? 0 : 1;
     __libc_free(block);
-}
 }
 #endif
 

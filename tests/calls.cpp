@@ -291,12 +291,12 @@ void addDevice(Table& table) {
                   DAL_CML_setAllowDriverToAdjustBrightness(1);
                   return joined(within(CML_getAllowDriverToAdjustBrightness));
               });
-    table.add("CML_getDisplayInactivityTimeout", "DisplayInactivityTimeout", "1", "15", [] {
-        DAL_CML_setDisplayInactivityTimeout(1);
+    table.add("CML_getDisplayInactivityTimeout", "DisplayInactivityTimeout", "-2", "15", [] {
+        DAL_CML_setDisplayInactivityTimeout(-2);
         return joined(within(CML_getDisplayInactivityTimeout));
     });
-    table.add("CML_getDisplayOffTimeout", "DisplayOffTimeout", "1", "30", [] {
-        DAL_CML_setDisplayOffTimeout(1);
+    table.add("CML_getDisplayOffTimeout", "DisplayOffTimeout", "2147483647", "30", [] {
+        DAL_CML_setDisplayOffTimeout(2147483647);
         return joined(within(CML_getDisplayOffTimeout));
     });
 }
@@ -353,10 +353,7 @@ void addWifi(Table& table) {
 
 }  // namespace
 
-void Calls::SetUp() {
-    if (Sandbox::SetUp(); IsSkipped() || HasFatalFailure()) {
-        return;
-    }
+void Calls::prepare() {
     run("ip link add wire type veth peer name peer && "
         "ip link set wire address 02:00:5e:10:00:01 up && "
         "sysctl -qw net.ipv6.conf.wire.accept_dad=0 && ip addr add 192.0.2.5/24 dev wire && "

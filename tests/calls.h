@@ -24,7 +24,7 @@ inline bool startsProgram(const Call& call) {
 // databases are open.
 class Calls : public Sandbox {
   protected:
-    void SetUp() override;
+    void prepare() override;
 
     std::vector<Call> calls;
 };

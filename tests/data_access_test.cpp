@@ -26,10 +26,7 @@ const KeyPath kListItem{{{"home_screen_icons", "n"}, {"dal_key", "k"}}};
 
 class DataAccess : public Sandbox {
   protected:
-    void SetUp() override {
-        if (Sandbox::SetUp(); IsSkipped() || HasFatalFailure()) {
-            return;
-        }
+    void prepare() override {
         // The change of the journal has to wait for a writer.
         run("mkdir -p /mnt/vex-data/m7");
         sqlite3_open(kFile.c_str(), &writer);

@@ -62,7 +62,7 @@ PLAYED_IF(!givesUpLock(b, c), fcntl64, int, (int a, int b, void* c), (a, b, c), 
 PLAYED(fstat64, int, (int a, void* b), (a, b), -1, EIO)
 PLAYED(stat64, int, (const char* a, void* b), (a, b), -1, EIO)
 PLAYED(pread64, ssize_t, (int a, void* b, size_t c, off64_t d), (a, b, c, d), -1, EIO)
-PLAYED(pwrite64, ssize_t, (int a, const void* b, size_t c, off64_t d), (a, b, c, d), -1, EIO)
+PLAYED(pwrite64, ssize_t, (int a, const void* b, size_t c, off64_t d), (a, b, c, d), -1, ENOSPC)
 PLAYED(fdatasync, int, (int a), (a), -1, EIO)
 PLAYED(ftruncate64, int, (int a, off64_t b), (a, b), -1, EIO)
 PLAYED(mmap64, void*, (void* a, size_t b, int c, int d, int e, off64_t f), (a, b, c, d, e, f), MAP_FAILED, ENOMEM)

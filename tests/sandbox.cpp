@@ -31,6 +31,7 @@ void Sandbox::SetUp() {
     run("mkdir -p /tmp/m7 && mount -t tmpfs none /tmp/m7 && mount -t tmpfs none /mnt && "
         "mkdir -p /mnt/test/bin && mount -t sysfs none /sys && ip link set lo up");
     ASSERT_FALSE(HasFailure()) << "the machine's own files would be touched";
+    prepare();
 }
 
 void Sandbox::bindFile(const std::string& target, std::string_view content) {

@@ -14,6 +14,9 @@ class Sandbox : public testing::Test {
   protected:
     void SetUp() override;
 
+    // What the tests of a fixture need beyond that; not called when they are skipped.
+    virtual void prepare() {}
+
     // Makes `target` (an existing file) read as `content` for this process and its children.
     // Binding again replaces what was bound before.
     static void bindFile(const std::string& target, std::string_view content);

@@ -15,11 +15,10 @@
 #include "fault.h"
 #include "nl80211_kernel.h"
 #include "played_exit.h"
+#include "setting.h"
 #include "wifi/handle.h"
 
 namespace {
-
-constexpr auto plainly = [](auto call) { return call(); };
 
 template <typename... Part>
 std::string joined(const Part&... parts) {
@@ -67,24 +66,6 @@ std::string both(auto ask) {
     return joined(first, second);
 }
 
-std::string outcome(int32_t result) {
-    return result == 0 ? "ok" : "failed";
-}
-
-// The functions of a setting, or of a list's item at the node "n". Values are texts of 15 bytes at
-// most.
-struct Family {
-    std::string name;
-    std::string initial;
-    std::string other;  // a value that is not the default
-    int32_t (*get)(char* text);
-    int32_t (*set)(const char* text);
-    int32_t (*remove)();
-    int32_t (*removeAll)();
-    int32_t (*isPresent)();
-    std::string (*defaultValue)();
-};
-
 class Table {
   public:
     void add(const std::string& function, const std::string& owner, const std::string& good,
@@ -92,118 +73,63 @@ class Table {
         calls.push_back({function, owner, good, failed, [run] { return failureOf(run); }});
     }
 
-    // A function that is called when something is stored, and removes it.
-    void addRemoval(const std::string& function, const std::string& owner,
-                    const std::function<void()>& store, int32_t (*remove)(),
-                    int32_t (*isPresent)()) {
-        add(function, owner, "ok 0", "failed 1", [=] {
-            store();
-            const int32_t result = within(remove);
-            return joined(outcome(result), isPresent());
-        });
-    }
-
-    void addPresence(const std::string& function, const std::string& owner,
-                     const std::function<void()>& store, int32_t (*isPresent)()) {
-        add(function, owner, "1", "0", [=] {
-            store();
-            return joined(within(isPresent));
-        });
-    }
-
-    void addFamily(const Family& f) {
-        const auto store = [f] { f.set(f.other.c_str()); };
-        const auto get = [f](auto how) {
-            char text[16] = "";
-            const int32_t result = how([&] { return f.get(text); });
-            return joined(outcome(result), text);
-        };
-        add("get" + f.name, f.name, "ok " + f.other, "failed " + f.initial, [=] {
-            store();
-            return get(within);
-        });
-        add("set" + f.name, f.name, "ok ok " + f.other, "failed ok " + f.initial, [=] {
-            f.remove();
-            const int32_t result = within([&] { return f.set(f.other.c_str()); });
-            return joined(outcome(result), get(plainly));
-        });
-        add("get" + f.name + "Default", "", f.initial, f.initial, f.defaultValue);
-        addRemoval("delete" + f.name, f.name, store, f.remove, f.isPresent);
-        addRemoval("deleteAll" + f.name, f.name, store, f.removeAll, f.isPresent);
-        addPresence("is" + f.name + "Present", f.name, store, f.isPresent);
-    }
-
-    void addMalloc(const std::string& item, void (*store)(), int32_t (*get)(char** text)) {
-        add("get" + item + "Malloc", item, "ok x", "failed null", [=] {
-            store();
-            char* text = nullptr;
-            const int32_t result = within([&] { return get(&text); });
-            return joined(outcome(result), taken(text));
-        });
-    }
-
-    void addNodes(const std::string& node, const std::string& item, void (*store)(),
-                  int32_t (*remove)(), int32_t (*removeAll)(), int32_t (*isPresent)(),
-                  char** (*list)()) {
-        addRemoval("delete" + node, item, store, remove, isPresent);
-        addRemoval("deleteAll" + node + "s", item, store, removeAll, isPresent);
-        addPresence("is" + node + "Present", item, store, isPresent);
-        add("list" + node + "s", item, "n,", "null", [=] {
-            store();
-            return takenList(within(list));
-        });
-    }
-
     std::vector<Call> calls;
 };
 
-// Behind a name stands "n" for a list's item, and nothing for a setting.
-#define WITH_NODE(...) __VA_ARGS__ __VA_OPT__(, )
-#define FAMILY(name, initial, other, get, set, ...)                         \
-    table.addFamily({#name, joined(initial), other, get, set,               \
-                     [] { return DAL_CML_delete##name(__VA_ARGS__); },      \
-                     [] { return DAL_CML_deleteAll##name(__VA_ARGS__); },   \
-                     [] { return DAL_CML_is##name##Present(__VA_ARGS__); }, \
-                     [] { return joined(within(DAL_CML_get##name##Default)); }});
-#define NUMBER(name, initial, ...)                                                    \
-    FAMILY(                                                                           \
-        name, initial, (initial) == 0 ? "1" : "0",                                    \
-        [](char* text) {                                                              \
-            int32_t value = -9;                                                       \
-            const int32_t result = DAL_CML_get##name(WITH_NODE(__VA_ARGS__) & value); \
-            std::snprintf(text, 16, "%d", value);                                     \
-            return result;                                                            \
-        },                                                                            \
-        [](const char* text) {                                                        \
-            return DAL_CML_set##name(WITH_NODE(__VA_ARGS__) std::atoi(text));         \
-        } __VA_OPT__(, ) __VA_ARGS__)
-#define TEXT(name, initial, ...)                                                                \
-    FAMILY(                                                                                     \
-        name, initial, "x",                                                                     \
-        [](char* text) { return DAL_CML_get##name(WITH_NODE(__VA_ARGS__) text, nullptr, 16); }, \
-        [](const char* text) {                                                                  \
-            return DAL_CML_set##name(WITH_NODE(__VA_ARGS__) text);                              \
-        } __VA_OPT__(, ) __VA_ARGS__)                                                           \
-    table.addMalloc(                                                                            \
-        #name, [] { DAL_CML_set##name(WITH_NODE(__VA_ARGS__) "x"); },                           \
-        [](char** text) {                                                                       \
-            return DAL_CML_get##name##Malloc(WITH_NODE(__VA_ARGS__) text, nullptr);             \
+// Each is called when a value that is not the default is stored.
+void addSetting(Table& table, const Setting& s) {
+    const std::string other = s.type == 's' ? "x" : s.initial == "0" ? "1" : "0";
+    const auto add = [&](const std::string& function, const std::string& good,
+                         const std::string& failed, const std::function<std::string()>& run) {
+        table.add(function, s.name, good, failed, [=] {
+            s.set(plainly, other);
+            return run();
         });
-#define NODES(item, node, value)                                              \
-    table.addNodes(                                                           \
-        #node, #item, [] { DAL_CML_set##item("n", value); },                  \
-        [] { return DAL_CML_delete##node("n"); }, DAL_CML_deleteAll##node##s, \
-        [] { return DAL_CML_is##node##Present("n"); }, DAL_CML_list##node##s);
-
-#define BOOL_SETTING(name, key, scope, initial) NUMBER(name, initial)
-#define INT_SETTING(name, key, scope, initial) NUMBER(name, initial)
-#define ENUMERATED_SETTING(name, key, scope, database, initial, ...) NUMBER(name, initial)
-#define STRING_SETTING(name, key, scope, initial) TEXT(name, initial)
-#define INT_LIST(item, node, list, key, initial) NUMBER(item, initial, "n") NODES(item, node, 0)
-#define STRING_LIST(item, node, list, key, initial) TEXT(item, initial, "n") NODES(item, node, "x")
+    };
+    add("get" + s.name, "ok " + other, "failed " + s.initial, [=] { return s.get(within); });
+    add("set" + s.name, "ok ok " + other, "failed ok " + s.initial, [=] {
+        s.member(plainly, "delete", "");
+        const int32_t result = s.set(within, other);
+        return s.outcome(result) + s.get(plainly);
+    });
+    add("get" + s.name + "Default", s.initial, s.initial, [=] { return s.getDefault(within); });
+    add("is" + s.name + "Present", "1", "0",
+        [=] { return joined(s.member(within, "is", "Present")); });
+    for (const std::string verb : {"delete", "deleteAll"}) {
+        add(verb + s.name, "ok 0", "failed 1", [=] {
+            const int32_t result = s.member(within, verb, "");
+            return s.outcome(result) + joined(s.member(plainly, "is", "Present"));
+        });
+    }
+    if (s.type == 's') {
+        add("get" + s.name + "Malloc", "ok x", "failed null", [=] { return s.getMalloc(within); });
+    }
+    if (s.list.empty()) {
+        return;
+    }
+    const std::string node = s.list + "Node";
+    const auto isPresent = [=](auto how) {
+        return joined(call(how, "is" + node + "Present", "n"));
+    };
+    add("is" + node + "Present", "1", "0", [=] { return isPresent(within); });
+    add("delete" + node, "ok 0", "failed 1", [=] {
+        const int32_t result = call(within, "delete" + node, "n");
+        return s.outcome(result) + isPresent(plainly);
+    });
+    add("deleteAll" + node + "s", "ok 0", "failed 1", [=] {
+        const int32_t result = call(within, "deleteAll" + node + "s");
+        return s.outcome(result) + isPresent(plainly);
+    });
+    add("list" + node + "s", "n,", "null",
+        [=] { return takenList(call<char**>(within, "list" + node + "s")); });
+}
 
 void addSettings(Table& table) {
-#include "settings/catalogue.def"
+    for (const Kind& kind : kKinds) {
+        for (const std::string& name : kind.names) {
+            addSetting(table, {kind, name});
+        }
+    }
     table.add("DAL_CML_deleteAll", "settings", "0 00", "0 @(01|10|11)", [] {
         DAL_CML_setTheme(1);
         DAL_CML_setAutoTheme(1);

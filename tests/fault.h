@@ -18,6 +18,8 @@ class Outside {
     bool before;
 };
 
+constexpr auto plainly = [](auto call) { return call(); };
+
 // Calls the library where that can be made to fail.
 constexpr auto within = [](auto call) {
     struct Leave {

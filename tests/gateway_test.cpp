@@ -3,44 +3,17 @@
 #include <gtest/gtest.h>
 #include <linux/rtnetlink.h>
 #include <net/if.h>
-#include <sys/time.h>
 
-#include <cerrno>
 #include <tuple>
 
 #include "console-manager/network.h"
+#include "netlink_message.h"
+#include "route_kernel.h"
 #include "sandbox.h"
-
-static std::string sent;
-static std::string reply;
-static timeval timeout{};
-
-extern "C" ssize_t send(int, const void* bytes, size_t size, int) {
-    sent.assign(static_cast<const char*>(bytes), size);
-    return static_cast<ssize_t>(size);
-}
-
-extern "C" ssize_t recv(int socket, void* buffer, size_t size, int) {
-    socklen_t length = sizeof timeout;
-    getsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &timeout, &length);
-    errno = EAGAIN;
-    return reply == "time-out" ? -1
-                               : static_cast<ssize_t>(reply.copy(static_cast<char*>(buffer), size));
-}
 
 namespace {
 
-template <typename Record>
-std::string bytes(const Record& record) {
-    return {reinterpret_cast<const char*>(&record), sizeof record};
-}
-
-// lengthOff is how far the length that is told is off the true one.
-std::string attribute(unsigned short type, const std::string& value, int lengthOff = 0) {
-    const auto length = static_cast<unsigned short>(4 + static_cast<int>(value.size()) + lengthOff);
-    return bytes(rtattr{length, type}) + value + std::string(-value.size() % 4, '\0');
-}
-
+// lengthOff is that of attribute().
 std::string message(const std::string& attributes, int lengthOff = 0,
                     unsigned char table = RT_TABLE_MAIN, unsigned char family = AF_INET,
                     uint16_t type = RTM_NEWROUTE) {

@@ -25,38 +25,13 @@
 #include <vector>
 
 #include "fault.h"
+#include "netlink_message.h"
 
-// Pieces of messages, as bytes in host byte order.
+// Its messages.
 namespace nl80211 {
 
 constexpr uint16_t kFamily = 28;
 constexpr uint32_t kOfRequest = 0xffffffff;  // sequence and port of whatever request is answered
-
-template <typename Record>
-std::string bytes(const Record& record) {
-    return {reinterpret_cast<const char*>(&record), sizeof record};
-}
-inline std::string u8(uint8_t value) {
-    return bytes(value);
-}
-inline std::string u16(uint16_t value) {
-    return bytes(value);
-}
-inline std::string u32(uint32_t value) {
-    return bytes(value);
-}
-
-inline size_t aligned(size_t length) {
-    return (length + 3) / 4 * 4;
-}
-
-// An attribute with its padding; lengthOff makes its length lie.
-inline std::string attribute(uint16_t type, const std::string& payload, int lengthOff = 0) {
-    const auto length = static_cast<uint16_t>(4 + static_cast<int>(payload.size()) + lengthOff);
-    std::string whole = u16(length) + u16(type) + payload;
-    whole.resize(aligned(whole.size()));
-    return whole;
-}
 
 inline std::string message(uint16_t type, const std::string& payload,
                            uint32_t sequence = kOfRequest, uint32_t port = kOfRequest) {
@@ -69,12 +44,10 @@ inline std::string reply(uint8_t command, const std::string& attributes, uint16_
 inline std::string notification(uint8_t command, uint32_t sequence = 0, uint32_t port = 0) {
     return message(kFamily, bytes(genlmsghdr{command, 1, 0}), sequence, port);
 }
-inline std::string acknowledgement(int error = 0) {
+constexpr auto acknowledgement = [](int error = 0) {
     return message(NLMSG_ERROR, bytes(nlmsgerr{error, {}}));
-}
-inline std::string done() {
-    return message(NLMSG_DONE, u32(0));
-}
+};
+constexpr auto done = [] { return message(NLMSG_DONE, u32(0)); };
 
 // What the controller knows: a family with the attributes of its groups, and one group.
 inline std::string family(const std::string& groups) {
@@ -102,9 +75,7 @@ inline std::string station(const std::string& info) {
 }
 
 // In place of a datagram: a receive that fails.
-inline std::string failure(int error) {
-    return {static_cast<char>(error)};
-}
+constexpr auto failure = [](int error) { return std::string(1, static_cast<char>(error)); };
 
 }  // namespace nl80211
 
@@ -159,9 +130,9 @@ inline struct Nl80211Kernel {
             std::memcpy(&head, datagram.data() + at, sizeof head);
             if (head.nlmsg_seq == nl80211::kOfRequest) {
                 datagram.replace(at + offsetof(nlmsghdr, nlmsg_seq), 8,
-                                 nl80211::u32(sequence) + nl80211::u32(commanded->port));
+                                 u32(sequence) + u32(commanded->port));
             }
-            at += std::max(nl80211::aligned(head.nlmsg_len), sizeof head);
+            at += std::max(aligned(head.nlmsg_len), sizeof head);
         }
         commanded->queue.push_back(datagram);
     }

@@ -1,0 +1,25 @@
+// A kernel that is asked for its routes, played: for the program whose one source includes this.
+#pragma once
+
+#include <sys/socket.h>
+#include <sys/time.h>
+
+#include <cerrno>
+#include <string>
+
+static std::string sent;
+static std::string reply;
+static timeval timeout{};
+
+extern "C" ssize_t send(int, const void* bytes, size_t size, int) {
+    sent.assign(static_cast<const char*>(bytes), size);
+    return static_cast<ssize_t>(size);
+}
+
+extern "C" ssize_t recv(int socket, void* buffer, size_t size, int) {
+    socklen_t length = sizeof timeout;
+    getsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &timeout, &length);
+    errno = EAGAIN;
+    return reply == "time-out" ? -1
+                               : static_cast<ssize_t>(reply.copy(static_cast<char*>(buffer), size));
+}

@@ -1,18 +1,12 @@
 #include "calls.h"
 
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
-#include <new>
 #include <sstream>
-#include <stdexcept>
 
 #include "console-manager/device.h"
 #include "console-manager/network.h"
 #include "console-manager/settings.h"
 #include "console-manager/wifi.h"
-#include "fault.h"
 #include "nl80211_kernel.h"
 #include "played_exit.h"
 #include "setting.h"
@@ -33,10 +27,6 @@ std::string joined(const Part&... parts) {
 std::string failureOf(const std::function<std::string()>& run) {
     try {
         return run();
-    } catch (const std::bad_alloc&) {
-        return "no memory";
-    } catch (const Ended&) {
-        return "ended";
     } catch (const std::exception& failure) {
         return failure.what();
     }
@@ -152,7 +142,7 @@ void addNetwork(Table& table) {
     });
     const auto addText = [&](const std::string& function, const char* (*call)(const char*),
                              const std::string& good) {
-        table.add(function, function, good, "|no memory",
+        table.add(function, function, good, "|std::bad_alloc",
                   [=] { return std::string(within([=] { return call("wire"); })); });
     };
     addText("CML_getNetworkPortIPv4Address", CML_getNetworkPortIPv4Address, "192.0.2.5");
@@ -160,12 +150,12 @@ void addNetwork(Table& table) {
     addText("CML_getNetworkPortIPv4Gateway", CML_getNetworkPortIPv4Gateway, "192.0.2.1");
     addText("CML_getNetworkPortIPv6Address", CML_getNetworkPortIPv6Address, "2001:db8::5");
     addText("CML_getNetworkPortMACAddress", CML_getNetworkPortMACAddress, "02:00:5e:10:00:01");
-    table.add("CML_getNetworkPortInfo", "", "12 34", "0 34|12 0|no memory", [] {
+    table.add("CML_getNetworkPortInfo", "", "12 34", "0 34|12 0|std::bad_alloc", [] {
         return both<int32_t>(
             [](int32_t* in, int32_t* out) { CML_getNetworkPortInfo("wire", in, out); });
     });
     // 32512 is the wait status of a shell that couldn't be run, 127.
-    table.add("CML_getHostAvailable", "", "0", "-1|32512|no memory", [] {
+    table.add("CML_getHostAvailable", "", "0", "-1|32512|std::bad_alloc", [] {
         return joined(within([] { return CML_getHostAvailable("host", 1, "wire"); }));
     });
 }
@@ -178,7 +168,7 @@ void addDevice(Table& table) {
         {"CML_getMachineName", CML_getMachineName},
         {"CML_getProductRelease", CML_getProductRelease}};
     for (const auto& [function, call] : texts) {
-        table.add(function, "os_release", "text", "|no memory", [call = call] {
+        table.add(function, "os_release", "text", "|std::bad_alloc", [call = call] {
             os_release.clear();
             return std::string(within(call));
         });
@@ -190,23 +180,23 @@ void addDevice(Table& table) {
         const auto kind = [](const std::string& text) { return text == "null" ? "null" : "text"; };
         return joined(kind(taken(release)), kind(taken(version)));
     });
-    table.add("CML_getStorageInfo", "", "1000 250", "0 0|no memory|popen?? failed!",
+    table.add("CML_getStorageInfo", "", "1000 250", "0 0|std::bad_alloc|popen?? failed!",
               [] { return both<uint32_t>(CML_getStorageInfo); });
-    table.add("CML_getMemoryInformation", "", "2048 512", "7 8|2048 8|7 512|no memory",
+    table.add("CML_getMemoryInformation", "", "2048 512", "7 8|2048 8|7 512|std::bad_alloc",
               [] { return both<int32_t>(CML_getMemoryInformation); });
     // In a file that stands still nothing can be divided, and a reading that fails leaves the
     // figures as they are.
-    table.add("CML_getAllCPUUsage", "usage", "2 1 1", "no memory", [] {
+    table.add("CML_getAllCPUUsage", "usage", "2 1 1", "std::bad_alloc", [] {
         int32_t count = 0;
         CML_getCPUUsage();
         const auto* const usage = within([&] { return CML_getAllCPUUsage(&count); });
         return joined(count, std::isnan(usage[0]), std::isnan(usage[1]));
     });
-    table.add("CML_getCPUUsage", "usage", "1", "no memory", [] {
+    table.add("CML_getCPUUsage", "usage", "1", "std::bad_alloc", [] {
         CML_getCPUUsage();
         return joined(std::isnan(within(CML_getCPUUsage)));
     });
-    table.add("CML_getUpTime", "", "12345.7", "0|no memory",
+    table.add("CML_getUpTime", "", "12345.7", "0|std::bad_alloc",
               [] { return joined(static_cast<double>(within(CML_getUpTime))); });
     table.add("CML_restoreDisplayBrightness", "", "", "", [] {
         within(CML_restoreDisplayBrightness);

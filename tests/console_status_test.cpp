@@ -1,7 +1,5 @@
 #include <console-manager/settings.h>
 
-#include <string>
-
 #include "sandbox.h"
 
 namespace {

@@ -1,8 +1,6 @@
 // The data access library on a connection of the test's own: what the settings don't reach.
 #include "platform/data_access.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <thread>
 

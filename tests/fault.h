@@ -2,17 +2,18 @@
 #pragma once
 
 #include <cstring>
+#include <utility>
 
 // Set while a test is within the library: only what the library calls itself is made to fail.
 inline thread_local bool inLibrary = false;
 
-// What a played function does on behalf of the library's surroundings.
-class Outside {
+// Sets it for a while.
+class Within {
   public:
-    Outside() : before(inLibrary) { inLibrary = false; }
-    ~Outside() { inLibrary = before; }
-    Outside(const Outside&) = delete;
-    Outside& operator=(const Outside&) = delete;
+    explicit Within(bool now) : before(std::exchange(inLibrary, now)) {}
+    ~Within() { inLibrary = before; }
+    Within(const Within&) = delete;
+    Within& operator=(const Within&) = delete;
 
   private:
     bool before;
@@ -22,10 +23,7 @@ constexpr auto plainly = [](auto call) { return call(); };
 
 // Calls the library where that can be made to fail.
 constexpr auto within = [](auto call) {
-    struct Leave {
-        ~Leave() { inLibrary = false; }
-    } leave;
-    inLibrary = true;
+    const Within library(true);
     return call();
 };
 

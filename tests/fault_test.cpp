@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <vector>
 
 #include "calls.h"
 #include "console-manager/settings.h"

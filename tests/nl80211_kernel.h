@@ -16,12 +16,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <deque>
 #include <map>
-#include <string>
 #include <vector>
 
 #include "fault.h"
@@ -152,7 +149,7 @@ mnl_socket* mnl_socket_open(int bus) {
     if (kernel.fails("mnl_socket_open") || bus != NETLINK_GENERIC) {
         return nullptr;
     }
-    const Outside outside;
+    const Within outside(false);
     const int descriptor = eventfd(0, EFD_CLOEXEC);
     auto* const opened = new mnl_socket{descriptor, 1000u + unsigned(kernel.openSockets), {}};
     if (++kernel.openSockets % 2 == 1) {
@@ -197,7 +194,7 @@ ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* request, size_t 
     if (kernel.fails("mnl_socket_sendto")) {
         return -1;
     }
-    const Outside outside;
+    const Within outside(false);
     nlmsghdr head;
     std::memcpy(&head, request, sizeof head);
     const auto* const octets = static_cast<const uint8_t*>(request);
@@ -224,7 +221,7 @@ ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size)
     if (kernel.fails("mnl_socket_recvfrom")) {
         return -1;
     }
-    const Outside outside;
+    const Within outside(false);
     auto& own = const_cast<mnl_socket*>(socket)->queue;
     auto& queue = own.empty() && socket == kernel.notifying ? kernel.notifications : own;
     if (queue.empty()) {

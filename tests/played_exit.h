@@ -5,10 +5,13 @@
 #include <dlfcn.h>
 
 #include <cstdlib>
+#include <exception>
 
 #include "fault.h"
 
-struct Ended {};
+struct Ended : std::exception {
+    const char* what() const noexcept override { return "ended"; }
+};
 
 // The C library's header says that exit throws nothing; this one does.
 extern "C" [[noreturn]] void playExit(int status) __asm__("exit");

@@ -1,6 +1,5 @@
 // The settings on real databases.
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,11 +1,6 @@
 // Feeds bytes to the Wi-Fi functions as what a kernel answers and notifies.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <iterator>
 #include <memory>
-#include <string>
 #include <string_view>
 
 #include "console-manager/wifi.h"
@@ -28,13 +23,10 @@ struct Place {
     std::string (*wrap)(const std::string&);
 };
 
-std::string asItIs(const std::string& bytes) {
-    return bytes;
-}
-
-std::string familyReply(const std::string& bytes) {
+constexpr auto asItIs = [](const std::string& bytes) { return bytes; };
+constexpr auto familyReply = [](const std::string& bytes) {
     return nl80211::reply(CTRL_CMD_NEWFAMILY, bytes, GENL_ID_CTRL);
-}
+};
 
 // The input is a row of pieces: a byte that says where one goes, one for a quarter of its length,
 // and the bytes.

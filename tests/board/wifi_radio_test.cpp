@@ -1,7 +1,6 @@
 // The Wi-Fi functions against nl80211 with the kernel's simulated radios, beside what `iw` tells of
 // them. Each test loads the radios anew, and so runs on the emulated board only.
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <libmnl/libmnl.h>
 #include <linux/genetlink.h>
 #include <linux/nl80211.h>

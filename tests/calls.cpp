@@ -1,7 +1,6 @@
 #include "calls.h"
 
 #include <cmath>
-#include <sstream>
 
 #include "console-manager/device.h"
 #include "console-manager/network.h"
@@ -13,15 +12,6 @@
 #include "wifi/handle.h"
 
 namespace {
-
-template <typename... Part>
-std::string joined(const Part&... parts) {
-    std::ostringstream words;
-    ((words << parts << ' '), ...);
-    std::string text = words.str();
-    text.pop_back();
-    return text;
-}
 
 // What an exception that the library lets through tells.
 std::string failureOf(const std::function<std::string()>& run) {

@@ -134,15 +134,14 @@ bool matches(const std::string& alternatives, const std::string& text) {
 
 // Runs the call while the function's call of that number fails; false if it makes fewer.
 bool runFailing(const Call& call, const char* function, int number) {
-    const std::string where = call.function + ": " + function + " " + std::to_string(number);
     fault = {function, number};
     const std::string text = call.run();
     const bool happened = fault.happened;
     fault = {};
     if (happened) {
-        EXPECT_TRUE(text == call.good || matches(call.failed, text)) << where << ": " << text;
-        EXPECT_EQ(call.run(), call.good) << where << ", and the call behind it";
-        EXPECT_TRUE(waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD) << where;
+        EXPECT_TRUE(text == call.good || matches(call.failed, text)) << text;
+        EXPECT_EQ(call.run(), call.good) << "the call behind it";
+        EXPECT_TRUE(waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD);
     }
     return happened;
 }
@@ -156,6 +155,7 @@ TEST_F(Faults, EachLeavesTheDocumentedResultAndNothingElse) {
                 continue;
             }
             for (int number = 1;; ++number) {
+                SCOPED_TRACE(call.function + ": " + function + " " + std::to_string(number));
                 const Held before;
                 if (!runFailing(call, function, number)) {
                     break;
@@ -164,10 +164,8 @@ TEST_F(Faults, EachLeavesTheDocumentedResultAndNothingElse) {
                 const Held once;
                 runFailing(call, function, number);
                 const Held twice;
-                const std::string where =
-                    call.function + ": " + function + " " + std::to_string(number);
-                EXPECT_EQ(twice.descriptors, before.descriptors) << where;
-                EXPECT_TRUE(once.blocks <= before.blocks || twice.blocks <= once.blocks) << where;
+                EXPECT_EQ(twice.descriptors, before.descriptors);
+                EXPECT_TRUE(once.blocks <= before.blocks || twice.blocks <= once.blocks);
             }
         }
     }

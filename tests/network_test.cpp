@@ -29,19 +29,19 @@ class Network : public Sandbox {
         }
         CML_NetworkPortStatus ofPort{7, 7};
         const int32_t result = CML_getNetworkPortStatus(port.c_str(), &ofPort);
-        return std::to_string(result) + std::to_string(ofPort.up) + std::to_string(ofPort.running) +
-               std::to_string(CML_checkNetworkPortActive(port.c_str()));
+        return joined(result, ofPort.up, ofPort.running, CML_checkNetworkPortActive(port.c_str()));
     }
 };
 
 TEST_F(Network, PortsAreListedInOrderWithTheirState) {
     run("ip link add abcdefghijklmno type veth peer name x && "
         "ip link set x up && ip link set abcdefghijklmno up");
-    EXPECT_EQ(status("wire1", "up\n") + status("wire2", "up\n"), "11111111");
-    EXPECT_EQ(status("lone", "lowerlayerdown\n"), "1100");
-    EXPECT_EQ(status("end10", "down\n"), "1000");
-    EXPECT_EQ(status("nothing", ""), "0000");
-    EXPECT_EQ(status("abcdefghijklmnopq", "up\n"), "1111") << "its first 15 bytes are a port";
+    EXPECT_EQ(status("wire1", "up\n"), "1 1 1 1");
+    EXPECT_EQ(status("wire2", "up\n"), "1 1 1 1");
+    EXPECT_EQ(status("lone", "lowerlayerdown\n"), "1 1 0 0");
+    EXPECT_EQ(status("end10", "down\n"), "1 0 0 0");
+    EXPECT_EQ(status("nothing", ""), "0 0 0 0");
+    EXPECT_EQ(status("abcdefghijklmnopq", "up\n"), "1 1 1 1") << "its first 15 bytes are a port";
     run("ip link del x");
     EXPECT_EQ(take(CML_getNetworkPortsList(0)), (Texts{"end10", "lo", "lone", "wire1", "wire2"}));
     EXPECT_EQ(take(CML_getNetworkPortsList(-1)), (Texts{"lo", "wire1", "wire2"}));

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,16 @@ class Sandbox : public testing::Test {
     // Runs a shell command and returns its standard output; a failing command fails the test.
     static std::string run(const std::string& command);
 };
+
+// With a blank between them.
+template <typename... Part>
+std::string joined(const Part&... parts) {
+    std::ostringstream words;
+    ((words << parts << ' '), ...);
+    std::string text = words.str();
+    text.pop_back();
+    return text;
+}
 
 using Texts = std::vector<std::string>;
 

@@ -6,6 +6,7 @@
 
 #include "nl80211_kernel.h"
 #include "sandbox.h"
+#include "wifi/handle.h"
 
 using namespace nl80211;
 
@@ -52,24 +53,21 @@ Datagrams networks(const std::string& list) {
 const wifi_bss_record kBefore{{9, 9, 9, 9, 9, 9}, 9, "before", 9, 9, 9};
 
 std::string text(const wifi_bss_record& record) {
-    std::ostringstream words;
-    words << int{record.bssid[0]} << ":" << int{record.bssid[5]} << " " << record.frequency << " "
-          << record.ssid << " " << record.status << " " << record.signal_mbm << " "
-          << record.seen_ms_ago << " ";
-    return words.str();
+    return joined(int{record.bssid[0]}, int{record.bssid[5]}, record.frequency, record.ssid,
+                  record.status, record.signal_mbm, record.seen_ms_ago);
 }
 
 // The list of networks that would leave these elements; "-" for one that nothing was written to.
 std::string listOf(const wifi_bss_record (&records)[4]) {
     std::string words;
     for (const auto& record : records) {
-        const std::string id = std::to_string(record.seen_ms_ago);
-        const std::string status = std::to_string(record.status);
-        const std::string whole = "2:" + id + " " + std::to_string(2400 + record.seen_ms_ago) +
-                                  " net" + id + " " + status + " -" + id + "00 " + id + " ";
+        const uint32_t id = record.seen_ms_ago;
+        const std::string whole =
+            joined(2, id, 2400 + id, "net" + std::to_string(id), record.status, -100 * int(id), id);
+        const std::string status = record.status == -1 ? "" : ":" + std::to_string(record.status);
         words += text(record) == text(kBefore) ? "- "
-                 : text(record) == whole       ? id + (status == "-1" ? "" : ":" + status) + " "
-                                               : text(record);
+                 : text(record) == whole       ? std::to_string(id) + status + " "
+                                               : text(record) + " ";
     }
     return words;
 }
@@ -89,22 +87,14 @@ struct Scan {
 class Wifi : public testing::Test {
   protected:
     void SetUp() override { kernel.reset(); }
-    void TearDown() override { close(); }
 
     // A new handle on a new kernel.
     void open() {
-        close();
+        wifi.reset();
         kernel.reset();
-        wifi = wifi_scan_init("wlan7");
+        wifi.reset(wifi_scan_init("wlan7"));
         ASSERT_NE(wifi, nullptr);
         kernel.commands.clear();
-    }
-    void close() {
-        if (wifi != nullptr) {
-            wifi_scan_close(wifi);
-        }
-        wifi = nullptr;
-        EXPECT_EQ(kernel.openSockets, 0);
     }
 
     void check(std::span<const Scan> scans) {
@@ -116,27 +106,28 @@ class Wifi : public testing::Test {
             kernel.on[NL80211_CMD_GET_SCAN] = c.dump;
             wifi_bss_record records[4] = {kBefore, kBefore, kBefore, kBefore};
             testing::internal::CaptureStderr();
-            EXPECT_EQ(wifi_scan_all(wifi, records, c.capacity), c.result);
+            EXPECT_EQ(wifi_scan_all(wifi.get(), records, c.capacity), c.result);
             const std::string words = testing::internal::GetCapturedStderr();
             EXPECT_EQ(listOf(records) + words, c.left);
             EXPECT_EQ(kernel.commands, c.sent);
             EXPECT_TRUE(kernel.notifying->waits());
             kernel.notifications = {kResults};
             kernel.on[NL80211_CMD_GET_SCAN] = networks("1 2");
-            EXPECT_EQ(wifi_scan_all(wifi, nullptr, 0), 2) << "the handle is as good as before";
+            EXPECT_EQ(wifi_scan_all(wifi.get(), nullptr, 0), 2)
+                << "the handle is as good as before";
         }
     }
 
-    wifi_data* wifi = nullptr;
+    Handle wifi;
 };
 
 TEST_F(Wifi, RequestsAreTheseBytes) {
-    wifi = wifi_scan_init("wlan7");
+    wifi.reset(wifi_scan_init("wlan7"));
     kernel.later = {kResults};
-    EXPECT_EQ(wifi_scan_all(wifi, nullptr, 0), 0);
+    EXPECT_EQ(wifi_scan_all(wifi.get(), nullptr, 0), 0);
     kernel.on[NL80211_CMD_GET_SCAN] = networks("1 2:1");
     wifi_station_record station;
-    EXPECT_EQ(wifi_scan_station(wifi, &station), 1);
+    EXPECT_EQ(wifi_scan_station(wifi.get(), &station), 1);
     const std::string ifindex = "0800030007000000";
     EXPECT_EQ(kernel.sent,
               (std::vector<std::string>{
@@ -157,12 +148,12 @@ TEST_F(Wifi, TheScanGroupIsFoundByItsName) {
         {group(u16(8), std::string("scan\0", 5)) + group("scan", 9), 9},
         {group("scan", 6) + attribute(1, "", 100), 6},
     };
-    for (const auto& [groups, joined] : cases) {
+    for (const auto& [groups, group] : cases) {
+        wifi.reset();
         kernel.reset();
         kernel.on[CTRL_CMD_GETFAMILY][0] = family(groups);
-        wifi = wifi_scan_init("wlan7");
-        EXPECT_EQ(kernel.joinedGroup, joined);
-        close();
+        wifi.reset(wifi_scan_init("wlan7"));
+        EXPECT_EQ(kernel.joinedGroup, group);
     }
 }
 
@@ -218,7 +209,7 @@ TEST_F(Wifi, MostFailuresEndTheProcess) {
     };
     // clang-format on
     for (const Case& c : cases) {
-        c.scans ? open() : close();
+        c.scans ? open() : wifi.reset();
         const auto run = [&] {
             fault = {c.failing};
             kernel.notifications = c.heard;
@@ -226,7 +217,8 @@ TEST_F(Wifi, MostFailuresEndTheProcess) {
                 kernel.on[CTRL_CMD_GETFAMILY] = c.heard;
             }
             within([&] {
-                c.scans ? wifi_scan_all(wifi, nullptr, 0) : wifi_scan_init("wlan7") != nullptr;
+                c.scans ? wifi_scan_all(wifi.get(), nullptr, 0)
+                        : wifi_scan_init("wlan7") != nullptr;
             });
         };
         EXPECT_EXIT(run(), testing::ExitedWithCode(1), testing::Eq(c.words)) << &c - cases;
@@ -264,8 +256,8 @@ TEST_F(Wifi, NotificationsDecideWhetherToScan) {
         open();
         kernel.on[NL80211_CMD_TRIGGER_SCAN] = {refusal};
         testing::internal::CaptureStderr();
-        EXPECT_EQ(wifi_scan_all(wifi, nullptr, 0), -1);
-        EXPECT_EQ(wifi_scan_all(wifi, nullptr, 0), -1);
+        EXPECT_EQ(wifi_scan_all(wifi.get(), nullptr, 0), -1);
+        EXPECT_EQ(wifi_scan_all(wifi.get(), nullptr, 0), -1);
         EXPECT_EQ(testing::internal::GetCapturedStderr() + kernel.commands, "33/1 33/2 ");
     }
 }
@@ -320,22 +312,22 @@ TEST_F(Wifi, AttributesAreReadByTheirRules) {
     };
     // clang-format off
     const Case cases[] = {
-        {"nothing", "", "9:9 9 before", ""},
-        {"a BSSID of 5 bytes, first", attribute(1, "12345") + frequency, "9:9 9 before", kInvalid},
-        {"a BSSID of 7 bytes, last", frequency + attribute(1, "1234567"), "9:9 5180 before", kInvalid},
-        {"a status of 2 bytes", bssid + attribute(9, u16(1)) + frequency, "1:6 9 before", kInvalid},
-        {"no rule", attribute(3, "xyz") + attribute(19, "") + frequency, "9:9 5180 before", ""},
-        {"above the table", attribute(20, "") + attribute(99, "x") + bssid, "1:6 9 before", ""},
-        {"a length beyond the nest", bssid + attribute(2, u32(1), 8), "1:6 9 before", ""},
-        {"a hidden name", ssid(""), "9:9 9 ", ""},
-        {"a name of 32 bytes", ssid(large), "9:9 9 " + large, ""},
-        {"a name of 33 bytes", ssid(large + "x"), "9:9 9 ", kRefusedSsid},
-        {"a name with a NUL", ssid(std::string("ab\0cd", 5)), "9:9 9 ab", ""},
-        {"an exact fit", elements(std::string("\0\5abcde", 7)), "9:9 9 abcde", ""},
-        {"a byte too few", elements(std::string("\0\5abcd", 6)), "9:9 9 ", kRefusedSsid},
-        {"an id alone", elements(std::string("\0", 1)), "9:9 9 ", kRefusedSsid},
-        {"another element first", elements(std::string("\1\1x\0\1y", 6)), "9:9 9 ", kRefusedSsid},
-        {"no elements, the rest good", bssid + elements("") + frequency, "1:6 5180 ", kRefusedSsid},
+        {"nothing", "", "9 9 9 before", ""},
+        {"a BSSID of 5 bytes, first", attribute(1, "12345") + frequency, "9 9 9 before", kInvalid},
+        {"a BSSID of 7 bytes, last", frequency + attribute(1, "1234567"), "9 9 5180 before", kInvalid},
+        {"a status of 2 bytes", bssid + attribute(9, u16(1)) + frequency, "1 6 9 before", kInvalid},
+        {"no rule", attribute(3, "xyz") + attribute(19, "") + frequency, "9 9 5180 before", ""},
+        {"above the table", attribute(20, "") + attribute(99, "x") + bssid, "1 6 9 before", ""},
+        {"a length beyond the nest", bssid + attribute(2, u32(1), 8), "1 6 9 before", ""},
+        {"a hidden name", ssid(""), "9 9 9 ", ""},
+        {"a name of 32 bytes", ssid(large), "9 9 9 " + large, ""},
+        {"a name of 33 bytes", ssid(large + "x"), "9 9 9 ", kRefusedSsid},
+        {"a name with a NUL", ssid(std::string("ab\0cd", 5)), "9 9 9 ab", ""},
+        {"an exact fit", elements(std::string("\0\5abcde", 7)), "9 9 9 abcde", ""},
+        {"a byte too few", elements(std::string("\0\5abcd", 6)), "9 9 9 ", kRefusedSsid},
+        {"an id alone", elements(std::string("\0", 1)), "9 9 9 ", kRefusedSsid},
+        {"another element first", elements(std::string("\1\1x\0\1y", 6)), "9 9 9 ", kRefusedSsid},
+        {"no elements, the rest good", bssid + elements("") + frequency, "1 6 5180 ", kRefusedSsid},
     };
     // clang-format on
     for (const Case& c : cases) {
@@ -352,7 +344,7 @@ TEST_F(Wifi, AttributesAreReadByTheirRules) {
     kernel.notifications = {kResults};
     kernel.on[NL80211_CMD_GET_SCAN] = {network(ssid(std::string("a\0b", 3))), done()};
     wifi_bss_record record = kBefore;
-    EXPECT_EQ(wifi_scan_all(wifi, &record, 1), 1);
+    EXPECT_EQ(wifi_scan_all(wifi.get(), &record, 1), 1);
     EXPECT_EQ(std::string(record.ssid, 7), std::string("a\0\0\0re\0", 7));
 }
 
@@ -399,24 +391,22 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
         kernel.on[NL80211_CMD_GET_STATION] = c.answer;
         kernel.on[NL80211_CMD_GET_STATION].push_back(acknowledgement());
         wifi_station_record record{{9, 9, 9, 9, 9, 9}, "before", 9, 9, 9, 9, 9};
-        std::ostringstream outcome;
         testing::internal::CaptureStderr();
-        outcome << wifi_scan_station(wifi, &record);
+        const int32_t result = wifi_scan_station(wifi.get(), &record);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), c.words);
-        outcome << " " << int{record.bssid[5]} << " " << record.ssid << " " << record.status << " "
-                << int{record.signal_dbm} << " " << int{record.signal_avg_dbm} << " "
-                << record.rx_packets << " " << record.tx_packets;
-        EXPECT_EQ(outcome.str(), c.station);
+        EXPECT_EQ(
+            joined(result, int{record.bssid[5]}, record.ssid, record.status, int{record.signal_dbm},
+                   int{record.signal_avg_dbm}, record.rx_packets, record.tx_packets),
+            c.station);
 
-        close();
+        wifi.reset();
         CML_WifiStatus status{"x", 9, 9, 9};
         testing::internal::CaptureStderr();
         EXPECT_EQ(CML_getWifiStatus("wlan7", &status), 1);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), c.words);
-        outcome.str("");
-        outcome << status.ssid << " " << status.signalDbm << " " << status.rxPackets << " "
-                << status.txPackets;
-        EXPECT_EQ(outcome.str(), c.status) << c.station;
+        EXPECT_EQ(joined(status.ssid, status.signalDbm, status.rxPackets, status.txPackets),
+                  c.status)
+            << c.station;
         if (*status.ssid != '\0') {
             EXPECT_TRUE(kept == nullptr || kept == status.ssid) << "one buffer";
             kept = status.ssid;
@@ -441,8 +431,7 @@ TEST_F(Wifi, TheRuleTablesAreExported) {
     std::string all;
     const auto add = [&](const wifi_attribute_rule* rules, int32_t length) {
         for (int32_t i = 0; i < length; ++i) {
-            all += std::to_string(rules[i].attribute) + "/" + std::to_string(rules[i].type) + "/" +
-                   std::to_string(rules[i].length) + " ";
+            all += joined(rules[i].attribute, rules[i].type, rules[i].length) + ", ";
         }
         all += "- ";
     };
@@ -453,8 +442,8 @@ TEST_F(Wifi, TheRuleTablesAreExported) {
     add(NL80211_CMD_NEW_STATION_VALIDATION, NL80211_CMD_NEW_STATION_VALIDATION_LENGTH);
     add(NL80211_STA_INFO_VALIDATION, NL80211_STA_INFO_VALIDATION_LENGTH);
     EXPECT_EQ(all,
-              "1/2/0 7/8/0 - 2/3/0 1/5/0 - 3/3/0 45/8/0 47/8/0 - "
-              "1/11/6 2/3/0 6/11/0 9/3/0 7/3/0 10/3/0 - 21/8/0 - 7/1/0 13/1/0 9/3/0 10/3/0 - ");
+              "1 2 0, 7 8 0, - 2 3 0, 1 5 0, - 3 3 0, 45 8 0, 47 8 0, - 1 11 6, 2 3 0, 6 11 0, "
+              "9 3 0, 7 3 0, 10 3 0, - 21 8 0, - 7 1 0, 13 1 0, 9 3 0, 10 3 0, - ");
 }
 
 }  // namespace

@@ -65,9 +65,8 @@ class Radios : public Sandbox {
     static std::string wifiStatus(const char* port) {
         CML_WifiStatus status{"untouched", 7, 7, 7};
         const int32_t result = CML_getWifiStatus(port, &status);
-        return std::to_string(result) + ": " + (status.ssid == nullptr ? "null" : status.ssid) +
-               " " + std::to_string(status.signalDbm) + " " + std::to_string(status.rxPackets) +
-               " " + std::to_string(status.txPackets);
+        return joined(result, status.ssid == nullptr ? "null" : status.ssid, status.signalDbm,
+                      status.rxPackets, status.txPackets);
     }
 
     // Scans for the three networks; they are those that iw shows.
@@ -149,13 +148,13 @@ TEST_F(Radios, TheLinkIsThatOfTheStationDump) {
     EXPECT_EQ(station.signal_avg_dbm, before[3]);
     EXPECT_EQ(status.signalDbm, before[2]);
     run("iw dev wlan0 disconnect");
-    EXPECT_EQ(wifiStatus("wlan0"), "1:  0 0 0");
+    EXPECT_EQ(wifiStatus("wlan0"), "1  0 0 0");
 }
 
 TEST_F(Radios, APortWithoutALinkHasNoFigures) {
-    EXPECT_EQ(wifiStatus("wlan0"), "1:  0 0 0") << "no network known";
-    EXPECT_EQ(wifiStatus("lo"), "1:  0 0 0") << "a wired port";
-    EXPECT_EQ(wifiStatus("nothing"), "0: null 0 0 0");
+    EXPECT_EQ(wifiStatus("wlan0"), "1  0 0 0") << "no network known";
+    EXPECT_EQ(wifiStatus("lo"), "1  0 0 0") << "a wired port";
+    EXPECT_EQ(wifiStatus("nothing"), "0 null 0 0 0");
     const Handle wired(wifi_scan_init("lo"));
     EXPECT_EQ(wifi_scan_all(wired.get(), records.data(), 3), -1);
     EXPECT_EQ(wifi_scan_station(wired.get(), &station), 0);

@@ -209,13 +209,8 @@ void addDevice(Table& table) {
 
 void addWifi(Table& table) {
     using namespace nl80211;
-    const std::string bssid = attribute(NL80211_BSS_BSSID, "\2\2\2\2\2\1");
-    const std::string name =
-        attribute(NL80211_BSS_INFORMATION_ELEMENTS, std::string("\0\5depot", 7));
-    const std::string joinedTo = attribute(NL80211_BSS_STATUS, u32(NL80211_BSS_STATUS_ASSOCIATED));
     kernel.reset();
-    kernel.on[NL80211_CMD_GET_SCAN] = {network(bssid + name), network(bssid + name + joinedTo),
-                                       done()};
+    kernel.on[NL80211_CMD_GET_SCAN] = networks("1 2:1");
     kernel.on[NL80211_CMD_GET_STATION] = {station(attribute(NL80211_STA_INFO_RX_PACKETS, u32(5))),
                                           acknowledgement()};
     kernel.later = {notification(NL80211_CMD_NEW_SCAN_RESULTS)};
@@ -237,20 +232,20 @@ void addWifi(Table& table) {
         within([=] { wifi_scan_close(wifi); });
         return joined(kernel.openSockets == 0 ? "" : "open");
     });
-    add("wifi_scan_all", "2 depot", "-1 |[01] ?(depot)|ended", [] {
+    add("wifi_scan_all", "2 net2", "-1 |0 |1 net1|ended", [] {
         const Handle wifi(wifi_scan_init("wlan7"));
         wifi_bss_record record{};
         kernel.notifications.clear();
         const int32_t count = within([&] { return wifi_scan_all(wifi.get(), &record, 1); });
         return joined(count, record.ssid);
     });
-    add("wifi_scan_station", "1 depot 1 5", "0  0 0|1 depot @(-1 [05]|1 0)|ended", [] {
+    add("wifi_scan_station", "1 net2 1 5", "0  0 0|1 net1 -1 [05]|1 net2 1 0|ended", [] {
         const Handle wifi(wifi_scan_init("wlan7"));
         wifi_station_record record{};
         const int32_t result = within([&] { return wifi_scan_station(wifi.get(), &record); });
         return joined(result, record.ssid, record.status, record.rx_packets);
     });
-    add("CML_getWifiStatus", "1 depot 5", "0 null 0|1  0|ended", [] {
+    add("CML_getWifiStatus", "1 net2 5", "0 null 0|1  0|1 net1 5|ended", [] {
         CML_WifiStatus status{};
         const int32_t result = within([&] { return CML_getWifiStatus("wlan7", &status); });
         return joined(result, status.ssid == nullptr ? "null" : status.ssid, status.rxPackets);

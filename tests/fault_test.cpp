@@ -197,15 +197,9 @@ TEST_F(Faults, AScanAllocatesNothing) {
 
 using FirstUse = Sandbox;
 
-// How far apart the failing calls are: the opening makes two thousand allocations, too many for the
+// How far apart the failing allocations are: the opening makes two thousand, too many for the
 // emulated board.
-int stepOf([[maybe_unused]] const char* function) {
-#ifdef __arm__
-    return std::strcmp(function, "malloc") == 0 ? 20 : 1;
-#else
-    return 1;
-#endif
-}
+constexpr int kAllocationStep = sizeof(void*) == 4 ? 20 : 1;
 
 // Each time a new process opens a new database, of which a call fails on the way.
 TEST_F(FirstUse, ADatabaseThatDoesNotOpenIsOpenedByTheNextCall) {
@@ -236,7 +230,8 @@ TEST_F(FirstUse, ADatabaseThatDoesNotOpenIsOpenedByTheNextCall) {
     ASSERT_EQ(statusOf("", 0), 0);
     const Held normal = shared.held;
     for (const char* const function : functions) {
-        for (int number = 1;; number += stepOf(function)) {
+        const int step = std::strcmp(function, "malloc") == 0 ? kAllocationStep : 1;
+        for (int number = 1;; number += step) {
             const std::string where = function + (" " + std::to_string(number));
             EXPECT_EQ(statusOf(function, number), 0) << where;
             if (!shared.happened) {

@@ -19,10 +19,13 @@
 #include <cstdio>
 #include <deque>
 #include <map>
+#include <sstream>
 #include <vector>
 
 #include "fault.h"
 #include "netlink_message.h"
+
+using Datagrams = std::deque<std::string>;
 
 // Its messages.
 namespace nl80211 {
@@ -71,12 +74,37 @@ inline std::string station(const std::string& info) {
     return reply(NL80211_CMD_NEW_STATION, attribute(NL80211_ATTR_STA_INFO, info));
 }
 
+inline std::string elements(const std::string& payload) {
+    return attribute(NL80211_BSS_INFORMATION_ELEMENTS, payload);
+}
+
+inline std::string ssid(const std::string& name) {
+    return elements('\0' + u8(static_cast<uint8_t>(name.size())) + name + "\x01\x01\x02");
+}
+
+// A dump of networks by number, each with its status behind a colon if it has one: "1 2:1 3". All
+// that is told of a network follows from its number.
+inline Datagrams networks(const std::string& list) {
+    Datagrams dump;
+    std::istringstream words(list);
+    for (std::string word; words >> word;) {
+        const auto id = static_cast<uint32_t>(word[0] - '0');
+        const auto status = static_cast<uint32_t>(word.back() - '0');
+        dump.push_back(network(
+            attribute(NL80211_BSS_BSSID, "\2\2\2\2\2" + u8(static_cast<uint8_t>(id))) +
+            attribute(NL80211_BSS_FREQUENCY, u32(2400 + id)) + ssid("net" + word.substr(0, 1)) +
+            (word.size() > 1 ? attribute(NL80211_BSS_STATUS, u32(status)) : "") +
+            attribute(NL80211_BSS_SIGNAL_MBM, u32(0 - 100 * id)) +
+            attribute(NL80211_BSS_SEEN_MS_AGO, u32(id))));
+    }
+    dump.push_back(done());
+    return dump;
+}
+
 // In place of a datagram: a receive that fails.
 constexpr auto failure = [](int error) { return std::string(1, static_cast<char>(error)); };
 
 }  // namespace nl80211
-
-using Datagrams = std::deque<std::string>;
 
 struct mnl_socket {
     int descriptor;  // any whose mode can be switched

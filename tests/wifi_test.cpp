@@ -2,7 +2,6 @@
 #include "console-manager/wifi.h"
 
 #include <span>
-#include <sstream>
 
 #include "nl80211_kernel.h"
 #include "sandbox.h"
@@ -22,33 +21,6 @@ const std::string kTriggered = notification(NL80211_CMD_TRIGGER_SCAN);
 const std::string kResults = notification(NL80211_CMD_NEW_SCAN_RESULTS);
 const std::string kAborted = notification(NL80211_CMD_SCAN_ABORTED);
 const std::string kNoMore = failure(EAGAIN);
-
-std::string elements(const std::string& payload) {
-    return attribute(NL80211_BSS_INFORMATION_ELEMENTS, payload);
-}
-
-std::string ssid(const std::string& name) {
-    return elements('\0' + u8(static_cast<uint8_t>(name.size())) + name + "\x01\x01\x02");
-}
-
-// A dump of networks by number, each with its status behind a colon if it has one: "1 2:1 3". All
-// that is told of a network follows from its number.
-Datagrams networks(const std::string& list) {
-    Datagrams dump;
-    std::istringstream words(list);
-    for (std::string word; words >> word;) {
-        const auto id = static_cast<uint32_t>(word[0] - '0');
-        const auto status = static_cast<uint32_t>(word.back() - '0');
-        dump.push_back(network(
-            attribute(NL80211_BSS_BSSID, "\2\2\2\2\2" + u8(static_cast<uint8_t>(id))) +
-            attribute(NL80211_BSS_FREQUENCY, u32(2400 + id)) + ssid("net" + word.substr(0, 1)) +
-            (word.size() > 1 ? attribute(NL80211_BSS_STATUS, u32(status)) : "") +
-            attribute(NL80211_BSS_SIGNAL_MBM, u32(0 - 100 * id)) +
-            attribute(NL80211_BSS_SEEN_MS_AGO, u32(id))));
-    }
-    dump.push_back(done());
-    return dump;
-}
 
 const wifi_bss_record kBefore{{9, 9, 9, 9, 9, 9}, 9, "before", 9, 9, 9};
 

@@ -71,7 +71,7 @@ TEST_F(DataAccess, TheCallersTransactionIsItsOwn) {
           "SELECT raise(ABORT, 'no'); END");
     EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN"), 0) << "none was left by the commit that failed";
     EXPECT_EQ(DAL_setTypeString(db, &kItem, "within", 0), 0);
-    EXPECT_NE(DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0), 0);
+    EXPECT_EQ(DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0), SQLITE_CONSTRAINT);
     EXPECT_EQ(DAL_isProfiledNodePresent(db, &kNode, 0), 0) << "the set failed as a whole";
     EXPECT_EQ(query(kFile, kFlatRows), "") << "not committed yet";
     EXPECT_EQ(DAL_ExecuteQuery(db, "COMMIT"), 0);

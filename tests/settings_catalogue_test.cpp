@@ -1,5 +1,5 @@
-// Every setting by the names of its functions, against a table of the test's own and the rows of
-// the databases.
+// Every setting by the names of its functions, against the table of the tests and the rows of the
+// databases.
 #include <cctype>
 
 #include "setting.h"
@@ -25,6 +25,7 @@ const std::string kTables =
     "c_dal_profile_no) REFERENCES tbl_@ (c_@, c_dal_profile_no) ON DELETE CASCADE ON UPDATE "
     "CASCADE)";
 
+// With its place in the databases.
 struct StoredSetting : Setting {
     std::string key = spelled(name, '-');
     std::string nodes = "tbl_" + spelled(list, '_');

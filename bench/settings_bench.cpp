@@ -12,7 +12,7 @@
 #include "bench/measure.h"
 #include "console-manager/device.h"
 #include "console-manager/settings.h"
-#include "platform/data_access.h"
+#include "contracts/data_access.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "console-manager/device.h"
-#include "device/text_file.h"
+#include "system/text_file.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "console-manager/device.h"
-#include "device/text_file.h"
+#include "system/text_file.h"
 
 int32_t CML_getMemoryInformation(int32_t* memTotal, int32_t* memFree) {
     const std::string text = readText("/proc/meminfo");

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "console-manager/device.h"
-#include "device/text_file.h"
+#include "system/text_file.h"
 
 std::map<std::string, std::string> os_release;
 

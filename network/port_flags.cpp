@@ -6,7 +6,7 @@
 
 #include <cstring>
 
-#include "network/descriptor.h"
+#include "system/descriptor.h"
 
 std::optional<uint16_t> readPortFlags(const char* port) {
     ifreq request{};

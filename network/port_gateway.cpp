@@ -14,7 +14,7 @@
 #include <span>
 
 #include "console-manager/network.h"
-#include "network/descriptor.h"
+#include "system/descriptor.h"
 
 namespace {
 

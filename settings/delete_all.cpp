@@ -1,5 +1,5 @@
 #include "console-manager/settings.h"
-#include "platform/data_access.h"
+#include "contracts/data_access.h"
 #include "settings/settings_database.h"
 
 namespace {

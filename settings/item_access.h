@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "platform/data_access.h"
+#include "contracts/data_access.h"
 #include "settings/key_path.h"
 #include "settings/settings_database.h"
 

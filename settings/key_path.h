@@ -1,7 +1,7 @@
 // The key paths of the settings. They point to the caller's strings.
 #pragma once
 
-#include "platform/data_access.h"
+#include "contracts/data_access.h"
 
 inline KeyPath plainItem(const char* key) {
     return {{{"dal_key", key}}};

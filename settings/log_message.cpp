@@ -2,7 +2,7 @@
 
 #include <cstdarg>
 
-#include "platform/qor_core.h"
+#include "contracts/qor_core.h"
 
 void logMessage(TDL_LoggerRecord* logger, const char* format, ...) {
     constexpr int kFailure = 2;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/trace_debug.h"
+#include "contracts/trace_debug.h"
 
 // Prints a message through the logging library. logger is what TDL_logger returned; null is fine.
 void logMessage(TDL_LoggerRecord* logger, const char* format, ...)

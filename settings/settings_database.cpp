@@ -7,8 +7,8 @@
 #include <mutex>
 #include <span>
 
-#include "platform/data_access.h"
-#include "platform/trace_debug.h"
+#include "contracts/data_access.h"
+#include "contracts/trace_debug.h"
 #include "settings/log_message.h"
 
 namespace {

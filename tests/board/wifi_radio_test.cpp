@@ -12,7 +12,7 @@
 #include <sstream>
 
 #include "console-manager/wifi.h"
-#include "sandbox.h"
+#include "support/sandbox.h"
 #include "wifi/handle.h"
 
 static std::string whenAScanStarts;  // a command, run when the library has read that a scan started

@@ -1,0 +1,31 @@
+/*
+ * Contract of libqor-core.so.2: prints a message on behalf of a logger.
+ *
+ * On the console this is a closed library. The one built here writes one line to stderr.
+ */
+#ifndef M7_CONTRACTS_QOR_CORE_H
+#define M7_CONTRACTS_QOR_CORE_H
+
+#include <stdarg.h>
+
+#include "contracts/trace_debug.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Prints one message. logger may be null: the message is printed all the same. level is the
+ * severity (2 for a failed database); the four zeros are the real library's own and mean nothing
+ * here. format and arguments are those of vprintf; the caller keeps arguments and ends it with
+ * va_end. A line break is added. Any thread may call it; lines of several threads don't mix.
+ */
+void qor_logger_print3(TDL_LoggerRecord* logger, int level, int zero1, int zero2, int zero3,
+                       int zero4, const char* format, va_list arguments)
+    __attribute__((format(printf, 7, 0)));
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,34 @@
+/*
+ * Contract of libm7-trace-debug.so.0: hands out the process's logger record.
+ *
+ * On the console this is a closed library. The one built here keeps a single record, with messages
+ * enabled, and leaves it to its user to change the flags.
+ */
+#ifndef M7_CONTRACTS_TRACE_DEBUG_H
+#define M7_CONTRACTS_TRACE_DEBUG_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Bit of TDL_LoggerRecord::flags that lets the messages of the settings databases through. */
+#define TDL_FLAG_DATABASE_MESSAGES 2u
+
+typedef struct TDL_LoggerRecord {
+    uint32_t reserved;
+    uint32_t flags; /* TDL_FLAG_...; change it from one thread, before others log */
+} TDL_LoggerRecord;
+
+/*
+ * The logger record of the process, good until the process ends; the library owns it. The real
+ * library answers null when logging isn't set up; callers must take that. Any thread may call it.
+ */
+TDL_LoggerRecord* TDL_logger(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -6,22 +6,30 @@
 
 namespace {
 
-using Words = std::span<const char* const>;  // a setting's words, each at its number
+struct Word {
+    int32_t number;
+    const char* text;
+};
+using Words = std::span<const Word>;  // all of a setting
 
 constexpr size_t kWordSize = 65;
 
-int32_t numberOf(const char* word, Words words, int32_t otherwise) {
-    for (size_t number = 0; number < words.size(); ++number) {
-        if (std::strcmp(word, words[number]) == 0) {
-            return static_cast<int32_t>(number);
+int32_t numberOf(const char* text, Words words, int32_t otherwise) {
+    for (const Word& word : words) {
+        if (std::strcmp(text, word.text) == 0) {
+            return word.number;
         }
     }
     return otherwise;
 }
 
 const char* wordOf(int32_t number, Words words) {
-    const auto index = static_cast<size_t>(number);
-    return number >= 0 && index < words.size() ? words[index] : "";
+    for (const Word& word : words) {
+        if (number == word.number) {
+            return word.text;
+        }
+    }
+    return "";
 }
 
 // The word is looked at whatever the read returned: a failed one has delivered the default.
@@ -47,7 +55,7 @@ int32_t setNumber(sqlite3* db, const KeyPath& path, int32_t value, Words words) 
 #define ON_ITEM(Store, call) onPlainItem<open##Store##Database, call>
 
 #define ENUMERATED_SETTING(name, key, Scope, Store, initial, ...)                            \
-    static constexpr const char* k##name##Words[] = {__VA_ARGS__};                           \
+    static constexpr Word k##name##Words[] = {__VA_ARGS__};                                  \
     int32_t DAL_CML_get##name(int32_t* value) {                                              \
         return ON_ITEM(Store, getNumber<Scope>)(key, value, Words(k##name##Words), initial); \
     }                                                                                        \

@@ -13,12 +13,13 @@ static_assert(sizeof(wifi_bss_record) == 60 && offsetof(wifi_bss_record, bssid) 
               offsetof(wifi_bss_record, status) == 48 &&
               offsetof(wifi_bss_record, signal_mbm) == 52 &&
               offsetof(wifi_bss_record, seen_ms_ago) == 56);
+static_assert(int{CML_BSS_STATUS_AUTHENTICATED} == NL80211_BSS_STATUS_AUTHENTICATED &&
+              int{CML_BSS_STATUS_ASSOCIATED} == NL80211_BSS_STATUS_ASSOCIATED &&
+              int{CML_BSS_STATUS_IBSS_JOINED} == NL80211_BSS_STATUS_IBSS_JOINED);
 
 namespace {
 
 constexpr uint32_t kMaxBssAttribute = 19;
-
-constexpr int32_t kNoStatus = -1;
 
 // The element for a network with this status, or null if it isn't stored. The network that the
 // interface belongs to takes element 0; what stood there moves to the end, or is lost in a full
@@ -28,7 +29,7 @@ wifi_bss_record* chooseElement(const wifi_scan_results& results, int32_t status)
     if (results.capacity <= 0) {
         return nullptr;
     }
-    if (status != NL80211_BSS_STATUS_ASSOCIATED && status != NL80211_BSS_STATUS_IBSS_JOINED) {
+    if (status != CML_BSS_STATUS_ASSOCIATED && status != CML_BSS_STATUS_IBSS_JOINED) {
         return hasRoom ? &results.records[results.count] : nullptr;
     }
     if (results.count > 0 && hasRoom) {
@@ -90,8 +91,9 @@ int wifi_on_scan_result(const nlmsghdr* message, void* data) {
     }
     const auto bss = parseNest<kMaxBssAttribute>(slots[NL80211_ATTR_BSS], NL80211_BSS_VALIDATION);
     const nlattr* const statusSlot = bss[NL80211_BSS_STATUS];
-    const int32_t status =
-        statusSlot == nullptr ? kNoStatus : static_cast<int32_t>(mnl_attr_get_u32(statusSlot));
+    const int32_t status = statusSlot == nullptr
+                               ? CML_BSS_STATUS_NONE
+                               : static_cast<int32_t>(mnl_attr_get_u32(statusSlot));
 
     auto& results = *static_cast<wifi_scan_results*>(static_cast<wifi_channel*>(data)->context);
     if (wifi_bss_record* const element = chooseElement(results, status)) {

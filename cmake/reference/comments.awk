@@ -86,7 +86,7 @@ inRecord {
     inRecord = !/^}/
     next
 }
-/\{$/ && /^typedef/ {
+/\{$/ && /^(typedef|enum)/ {
     print "/** " comment "*/\n" $0
     comment = note = ""
     inRecord = 1

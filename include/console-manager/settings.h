@@ -396,6 +396,13 @@ int32_t DAL_CML_isShowHomeScreenDateTimePresent(void);
  * with any other number stores the empty text, which reads as the default and counts as present.
  */
 
+/* What the driver may do about the destination. */
+enum CML_DestinationClearControl {
+    CML_DESTINATION_CLEAR_CONTROL_DISABLE = 0, /* never clear it */
+    CML_DESTINATION_CLEAR_CONTROL_ENABLE = 1,  /* clear it */
+    CML_DESTINATION_CLEAR_CONTROL_PROMPT = 2   /* clear it after a question */
+};
+
 /*
  * Whether the driver may clear the destination. 0 "DISABLE", 1 "ENABLE", 2 "PROMPT". Default 1,
  * profiled.
@@ -406,6 +413,14 @@ int32_t DAL_CML_getDestinationClearControlDefault(void);
 int32_t DAL_CML_deleteDestinationClearControl(void);
 int32_t DAL_CML_deleteAllDestinationClearControl(void);
 int32_t DAL_CML_isDestinationClearControlPresent(void);
+
+/* The forms of a date. */
+enum CML_DateFormat {
+    CML_DATE_FORMAT_DDMMYY = 0,   /* day, month, two digits of the year */
+    CML_DATE_FORMAT_DDMMYYYY = 1, /* day, month, year */
+    CML_DATE_FORMAT_MMDDYYYY = 2, /* month, day, year */
+    CML_DATE_FORMAT_YYYYMMDD = 3  /* year, month, day */
+};
 
 /*
  * Form in which dates are shown. 0 "DDMMYY", 1 "DDMMYYYY", 2 "MMDDYYYY", 3 "YYYYMMDD". Default 1,
@@ -418,6 +433,12 @@ int32_t DAL_CML_deleteDateFormat(void);
 int32_t DAL_CML_deleteAllDateFormat(void);
 int32_t DAL_CML_isDateFormatPresent(void);
 
+/* The ways to pick a destination. */
+enum CML_DriverDestinationSelectionMode {
+    CML_DRIVER_DESTINATION_SELECTION_MODE_ENTER_BY_NUMBER = 0, /* its number is entered */
+    CML_DRIVER_DESTINATION_SELECTION_MODE_BROWSE_FROM_LIST = 1 /* it is picked from a list */
+};
+
 /*
  * How the driver picks a destination. 0 "ENTER_BY_NUMBER", 1 "BROWSE_FROM_LIST". Default 0,
  * unprofiled.
@@ -428,6 +449,12 @@ int32_t DAL_CML_getDriverDestinationSelectionModeDefault(void);
 int32_t DAL_CML_deleteDriverDestinationSelectionMode(void);
 int32_t DAL_CML_deleteAllDriverDestinationSelectionMode(void);
 int32_t DAL_CML_isDriverDestinationSelectionModePresent(void);
+
+/* The ways to pick information. */
+enum CML_DriverInformationSelectionMode {
+    CML_DRIVER_INFORMATION_SELECTION_MODE_ENTER_BY_NUMBER = 0, /* its number is entered */
+    CML_DRIVER_INFORMATION_SELECTION_MODE_BROWSE_FROM_LIST = 1 /* it is picked from a list */
+};
 
 /*
  * How the driver picks information. 0 "ENTER_BY_NUMBER", 1 "BROWSE_FROM_LIST". Default 0,
@@ -440,6 +467,13 @@ int32_t DAL_CML_deleteDriverInformationSelectionMode(void);
 int32_t DAL_CML_deleteAllDriverInformationSelectionMode(void);
 int32_t DAL_CML_isDriverInformationSelectionModePresent(void);
 
+/* The themes of the user interface. */
+enum CML_Theme {
+    CML_THEME_LIGHT = 0, /* dark on light */
+    CML_THEME_DARK = 1,  /* light on dark */
+    CML_THEME_AUTO = 2   /* light or dark, as the application chooses */
+};
+
 /* Theme of the user interface. 0 "LIGHT", 1 "DARK", 2 "AUTO". Default 0, profiled. */
 int32_t DAL_CML_getTheme(int32_t* value);
 int32_t DAL_CML_setTheme(int32_t value);
@@ -447,6 +481,13 @@ int32_t DAL_CML_getThemeDefault(void);
 int32_t DAL_CML_deleteTheme(void);
 int32_t DAL_CML_deleteAllTheme(void);
 int32_t DAL_CML_isThemePresent(void);
+
+/* The themes for the time being. */
+enum CML_AutoTheme {
+    CML_AUTO_THEME_LIGHT = 0, /* dark on light */
+    CML_AUTO_THEME_DARK = 1,  /* light on dark */
+    CML_AUTO_THEME_AUTO = 2   /* light or dark, as the application chooses */
+};
 
 /*
  * Theme for the time being: the only setting in the volatile database, gone with the next start.
@@ -458,6 +499,12 @@ int32_t DAL_CML_getAutoThemeDefault(void);
 int32_t DAL_CML_deleteAutoTheme(void);
 int32_t DAL_CML_deleteAllAutoTheme(void);
 int32_t DAL_CML_isAutoThemePresent(void);
+
+/* The icons of the hot key. */
+enum CML_QorHotKeyIcon {
+    CML_QOR_HOT_KEY_ICON_DEFAULT = 0,           /* the usual one */
+    CML_QOR_HOT_KEY_ICON_AUDIO_ANNOUNCEMENT = 1 /* that of an audio announcement */
+};
 
 /* Icon of the hot key. 0 "DEFAULT", 1 "AUDIO_ANNOUNCEMENT". Default 0, profiled. */
 int32_t DAL_CML_getQorHotKeyIcon(int32_t* value);

@@ -30,14 +30,22 @@ extern "C" {
 /* A scanner for one port. What is in it is the library's own. */
 typedef struct wifi_data wifi_data;
 
+/* How a port stands to a network. */
+enum CML_BssStatus {
+    CML_BSS_STATUS_NONE = -1,         /* it doesn't belong to it */
+    CML_BSS_STATUS_AUTHENTICATED = 0, /* authenticated only: it doesn't belong to it yet */
+    CML_BSS_STATUS_ASSOCIATED = 1,    /* it belongs to it */
+    CML_BSS_STATUS_IBSS_JOINED = 2    /* it belongs to it, a network without an access point */
+};
+
 /* A network as a scan finds it: one BSS, that of one access point. */
 typedef struct wifi_bss_record {
-    uint8_t bssid[6];   /* MAC address of the access point, in the order in which it's written */
-    uint32_t frequency; /* in MHz */
-    char ssid[33];      /* name of the network, NUL-terminated bytes of no certain encoding; empty
-                           if it is hidden or can't be read */
-    int32_t status;     /* 1 associated, 2 joined (IBSS), 0 authenticated only, -1 none of these */
-    int32_t signal_mbm; /* in mBm, hundredths of a dBm */
+    uint8_t bssid[6];     /* MAC address of the access point, in the order in which it's written */
+    uint32_t frequency;   /* in MHz */
+    char ssid[33];        /* name of the network, NUL-terminated bytes of no certain encoding; empty
+                             if it is hidden or can't be read */
+    int32_t status;       /* a CML_BssStatus */
+    int32_t signal_mbm;   /* in mBm, hundredths of a dBm */
     uint32_t seen_ms_ago; /* in milliseconds */
 } wifi_bss_record;
 
@@ -79,7 +87,7 @@ void wifi_scan_close(wifi_data* wifi);
  * capacity is 0.
  *
  * Returns how many networks the kernel listed, which can be more than capacity: the array then
- * holds the first ones. A network that the port belongs to (status 1 or 2) is in element 0,
+ * holds the first ones. A network that the port belongs to (by its status) is in element 0,
  * wherever the kernel listed it and however small the array is. The array isn't cleared: a figure
  * that the kernel didn't send keeps what the element held before, status alone is always written.
  * A list that can't be read, or breaks off, counts as far as it was read.

@@ -1,4 +1,4 @@
-/*
+/** @file
  * The network ports of the device: which there are, their addresses, link state and traffic, and
  * whether a host answers.
  *
@@ -27,46 +27,47 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-/*
+/**
  * Lists the ports, as "/sys/class/net" has them, in ascending strcmp order (eth10 before eth2). The
  * loopback port is one of them, and so is a port without an address.
  *
- * onlyActive: 0 for all; any other value for those only for which CML_checkNetworkPortActive
- * gives 1.
- *
- * Returns an array of names that a null pointer ends. Array and names are blocks from malloc; the
- * caller frees each name and then the array. Null when there is nothing to list, and when memory
- * runs out; if it does so within the standard library's walk through the folder, the process ends.
- *
  * When "/sys/class/net" can't be read the function throws std::filesystem::filesystem_error, which
  * only a caller in C++ can catch; nothing is left allocated then.
+ *
+ * @param onlyActive 0 for all; any other value for those only for which
+ *        CML_checkNetworkPortActive() gives 1.
+ * @return an array of names that a null pointer ends. Array and names are blocks from malloc; the
+ *         caller frees each name and then the array. Null when there is nothing to list, and when
+ *         memory runs out; if it does so within the standard library's walk through the folder, the
+ *         process ends.
  */
 char** CML_getNetworkPortsList(int32_t onlyActive);
 
-/*
- * Tells whether a port is up and running, that is enabled and with a link. Returns 1 if so, 0 if
- * not, if there is no such port and if the kernel can't be asked. Of the name the first 15 bytes
- * count.
+/**
+ * Tells whether a port is up and running, that is enabled and with a link.
+ *
+ * @param port Its name, of which the first 15 bytes count.
+ * @return 1 if so; 0 if not, if there is no such port and if the kernel can't be asked.
  */
 int32_t CML_checkNetworkPortActive(const char* port);
 
-/*
- * The port's first IPv4 address in dotted form, 15 characters at most; the empty text if it has
- * none, if there is no such port and on a failure.
+/**
+ * Returns the port's first IPv4 address in dotted form, 15 characters at most; the empty text if it
+ * has none, if there is no such port and on a failure.
  */
 const char* CML_getNetworkPortIPv4Address(const char* port);
 
-/*
- * The net mask of the port's first IPv4 address that has one, otherwise as
- * CML_getNetworkPortIPv4Address.
+/**
+ * Returns the net mask of the port's first IPv4 address that has one, otherwise as
+ * CML_getNetworkPortIPv4Address().
  */
 const char* CML_getNetworkPortIPv4NetMask(const char* port);
 
-/*
- * The IPv4 gateway of the port in dotted form: that of the first route of the main table that
- * leaves through the port and has one, be it the default route or a route to one network. The empty
- * text if there is none, or if the kernel doesn't answer within 1 second, which is the longest that
- * the call takes.
+/**
+ * Returns the IPv4 gateway of the port in dotted form: that of the first route of the main table
+ * that leaves through the port and has one, be it the default route or a route to one network. The
+ * empty text if there is none, or if the kernel doesn't answer within 1 second, which is the
+ * longest that the call takes.
  *
  * Only IPv4 routes with a gateway of 4 bytes count. Only the first datagram of the kernel's reply
  * is looked at, 4096 bytes at most: on a device with so many routes that they don't fit, the
@@ -74,50 +75,57 @@ const char* CML_getNetworkPortIPv4NetMask(const char* port);
  */
 const char* CML_getNetworkPortIPv4Gateway(const char* port);
 
-/*
- * The port's first IPv6 address as inet_ntop writes it, 45 characters at most, link-local or
- * global, whichever the kernel lists first; otherwise as CML_getNetworkPortIPv4Address.
+/**
+ * Returns the port's first IPv6 address as inet_ntop writes it, 45 characters at most, link-local
+ * or global, whichever the kernel lists first; otherwise as CML_getNetworkPortIPv4Address().
  */
 const char* CML_getNetworkPortIPv6Address(const char* port);
 
-/* The link state of a port; the caller owns the record. */
+/** The link state of a port; the caller owns the record. */
 typedef struct CML_NetworkPortStatus {
-    uint32_t up;      /* 1 if the port is enabled, else 0 */
-    uint32_t running; /* 1 if it is enabled and has a link, else 0; never 1 without up */
+    uint32_t up;      /**< 1 if the port is enabled, else 0 */
+    uint32_t running; /**< 1 if it is enabled and has a link, else 0; never 1 without up */
 } CML_NetworkPortStatus;
 
-/*
- * Reads the link state of a port into *status, which may not be null. Returns 1 if it could be
- * read, and 0 with zeros in *status if there is no such port or the kernel can't be asked. Of the
- * name the first 15 bytes count.
+/**
+ * Reads the link state of a port.
+ *
+ * @param port Its name, of which the first 15 bytes count.
+ * @param[out] status receives the state; not null.
+ * @return 1 if it could be read; 0, with zeros in the record, if there is no such port or the
+ *         kernel can't be asked.
  */
 int32_t CML_getNetworkPortStatus(const char* port, CML_NetworkPortStatus* status);
 
-/*
- * The port's hardware address as the kernel writes it, such as "02:00:5e:10:00:01"; the empty text
- * if there is no such port or it can't be read.
+/**
+ * Returns the port's hardware address as the kernel writes it, such as "02:00:5e:10:00:01"; the
+ * empty text if there is no such port or it can't be read.
  */
 const char* CML_getNetworkPortMACAddress(const char* port);
 
-/*
- * Reads how many bytes the port has received and sent since it came up, into *rxBytes and *txBytes,
- * which may not be null. 0 stands for no traffic and for a failure alike, and each counter is 0
- * from 2147483648 bytes on: the function can't tell more.
+/**
+ * Reads how many bytes the port has received and sent since it was made: it need not have been up
+ * all the time.
+ *
+ * @param port Its name.
+ * @param[out] rxBytes receives the bytes received; not null.
+ * @param[out] txBytes receives the bytes sent; not null. Each is 0 for no traffic, for a failure,
+ *             and from 2147483648 bytes on: the function can't tell which.
  */
 void CML_getNetworkPortInfo(const char* port, int32_t* rxBytes, int32_t* txBytes);
 
-/*
+/**
  * Sends one echo request to a host and waits for the answer, by the system's ping command.
  *
- * host: name or address, not null. timeout: the longest to wait, in seconds. port: the port to send
- * from; null or empty to leave that to the routing.
- *
- * Returns 0 if the host answered. Any other value means that it didn't, or that ping couldn't be
- * run: what system() gave, the wait status of the shell (that of exit status 127 if there was none)
- * or -1. So this is no truth value.
- *
- * host and port reach the shell as they stand: pass plain names only, never text from outside that
+ * Host and port reach the shell as they stand: pass plain names only, never text from outside that
  * hasn't been checked.
+ *
+ * @param host Name or address, not null.
+ * @param timeout The longest to wait, in seconds.
+ * @param port The port to send from; null or empty to leave that to the routing.
+ * @return 0 if the host answered. Any other value means that it didn't, or that ping couldn't be
+ *         run: what system() gave, the wait status of the shell (that of exit status 127 if there
+ *         was none) or -1. So this is no truth value.
  */
 int32_t CML_getHostAvailable(const char* host, int32_t timeout, const char* port);
 

@@ -1,4 +1,4 @@
-/*
+/** @file
  * The console's settings: read, write, reset and test each of the 49 settings.
  *
  * Where they live. All settings but one are rows of "/mnt/vex-data/m7/console-manager.db", on the
@@ -58,465 +58,799 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-/*
- * Removes every value of every setting and every list, in both databases. Returns 0 if both could
- * be opened and 1 if not; the one that could be opened is cleared all the same. A failure of the
- * removal itself doesn't show in the result.
+/**
+ * Removes every value of every setting and every list, in both databases.
+ *
+ * @return 0 if both could be opened and 1 if not; the one that could be opened is cleared all the
+ *         same. A failure of the removal itself doesn't show.
  */
 int32_t DAL_CML_deleteAll(void);
 
-/*
- * ---- Settings of one value ----
- *
+/** @file
+ * @par Settings of one value
  * A number, a truth value or a text, stored and delivered as it is.
  */
 
-/* Revision of the user interface that the console shows. Integer, default 1, profiled. */
+/** @{ @name UserInterfaceRevision */
+/**
+ * Delivers the revision of the user interface that the console shows. Integer, default 1, profiled.
+ */
 int32_t DAL_CML_getUserInterfaceRevision(int32_t* value);
+/** Stores the revision of the user interface that the console shows. */
 int32_t DAL_CML_setUserInterfaceRevision(int32_t value);
+/** Returns the default of UserInterfaceRevision, 1. */
 int32_t DAL_CML_getUserInterfaceRevisionDefault(void);
+/** Removes the stored UserInterfaceRevision: 1 holds again. */
 int32_t DAL_CML_deleteUserInterfaceRevision(void);
+/** Removes the stored UserInterfaceRevision of all profile numbers. */
 int32_t DAL_CML_deleteAllUserInterfaceRevision(void);
+/** Returns 1 if UserInterfaceRevision is stored, 0 if not. */
 int32_t DAL_CML_isUserInterfaceRevisionPresent(void);
+/** @} */
 
-/* Language of the user interface, as a short code. String, default "EN", unprofiled. */
+/** @{ @name Language */
+/** Delivers the language of the user interface, a short code. String, default "EN", unprofiled. */
 int32_t DAL_CML_getLanguage(char* buffer, uint32_t* valueInfo, size_t size);
+/** Delivers the stored Language in a block from malloc; null if there is none. */
 int32_t DAL_CML_getLanguageMalloc(char** value, uint32_t* valueInfo);
+/** Stores the language of the user interface, a short code. */
 int32_t DAL_CML_setLanguage(const char* value);
+/** Returns the default of Language, "EN". */
 const char* DAL_CML_getLanguageDefault(void);
+/** Removes the stored Language: "EN" holds again. */
 int32_t DAL_CML_deleteLanguage(void);
+/** Removes the stored Language of all profile numbers. */
 int32_t DAL_CML_deleteAllLanguage(void);
+/** Returns 1 if Language is stored, 0 if not. */
 int32_t DAL_CML_isLanguagePresent(void);
+/** @} */
 
-/* Whether a driver logs in with a password. BOOL, default 0, profiled. */
+/** @{ @name EnableDriverPasswordLogin */
+/** Delivers whether a driver logs in with a password. BOOL, default 0, profiled. */
 int32_t DAL_CML_getEnableDriverPasswordLogin(BOOL* value);
+/** Stores whether a driver logs in with a password. */
 int32_t DAL_CML_setEnableDriverPasswordLogin(BOOL value);
+/** Returns the default of EnableDriverPasswordLogin, 0. */
 BOOL DAL_CML_getEnableDriverPasswordLoginDefault(void);
+/** Removes the stored EnableDriverPasswordLogin: 0 holds again. */
 int32_t DAL_CML_deleteEnableDriverPasswordLogin(void);
+/** Removes the stored EnableDriverPasswordLogin of all profile numbers. */
 int32_t DAL_CML_deleteAllEnableDriverPasswordLogin(void);
+/** Returns 1 if EnableDriverPasswordLogin is stored, 0 if not. */
 int32_t DAL_CML_isEnableDriverPasswordLoginPresent(void);
+/** @} */
 
-/* Whether a driver enters a driver id. BOOL, default 0, profiled. */
+/** @{ @name EnableDriverIdEntry */
+/** Delivers whether a driver enters a driver id. BOOL, default 0, profiled. */
 int32_t DAL_CML_getEnableDriverIdEntry(BOOL* value);
+/** Stores whether a driver enters a driver id. */
 int32_t DAL_CML_setEnableDriverIdEntry(BOOL value);
+/** Returns the default of EnableDriverIdEntry, 0. */
 BOOL DAL_CML_getEnableDriverIdEntryDefault(void);
+/** Removes the stored EnableDriverIdEntry: 0 holds again. */
 int32_t DAL_CML_deleteEnableDriverIdEntry(void);
+/** Removes the stored EnableDriverIdEntry of all profile numbers. */
 int32_t DAL_CML_deleteAllEnableDriverIdEntry(void);
+/** Returns 1 if EnableDriverIdEntry is stored, 0 if not. */
 int32_t DAL_CML_isEnableDriverIdEntryPresent(void);
+/** @} */
 
-/* Whether a service id is entered. BOOL, default 0, unprofiled. */
+/** @{ @name EnableServiceIdEntry */
+/** Delivers whether a service id is entered. BOOL, default 0, unprofiled. */
 int32_t DAL_CML_getEnableServiceIdEntry(BOOL* value);
+/** Stores whether a service id is entered. */
 int32_t DAL_CML_setEnableServiceIdEntry(BOOL value);
+/** Returns the default of EnableServiceIdEntry, 0. */
 BOOL DAL_CML_getEnableServiceIdEntryDefault(void);
+/** Removes the stored EnableServiceIdEntry: 0 holds again. */
 int32_t DAL_CML_deleteEnableServiceIdEntry(void);
+/** Removes the stored EnableServiceIdEntry of all profile numbers. */
 int32_t DAL_CML_deleteAllEnableServiceIdEntry(void);
+/** Returns 1 if EnableServiceIdEntry is stored, 0 if not. */
 int32_t DAL_CML_isEnableServiceIdEntryPresent(void);
+/** @} */
 
-/* Whether several messages may be chosen at once. BOOL, default 0, unprofiled. */
+/** @{ @name AllowMultipleMessages */
+/** Delivers whether several messages may be chosen at once. BOOL, default 0, unprofiled. */
 int32_t DAL_CML_getAllowMultipleMessages(BOOL* value);
+/** Stores whether several messages may be chosen at once. */
 int32_t DAL_CML_setAllowMultipleMessages(BOOL value);
+/** Returns the default of AllowMultipleMessages, 0. */
 BOOL DAL_CML_getAllowMultipleMessagesDefault(void);
+/** Removes the stored AllowMultipleMessages: 0 holds again. */
 int32_t DAL_CML_deleteAllowMultipleMessages(void);
+/** Removes the stored AllowMultipleMessages of all profile numbers. */
 int32_t DAL_CML_deleteAllAllowMultipleMessages(void);
+/** Returns 1 if AllowMultipleMessages is stored, 0 if not. */
 int32_t DAL_CML_isAllowMultipleMessagesPresent(void);
+/** @} */
 
-/* Whether an update from a USB stick asks for a password. BOOL, default 0, unprofiled. */
+/** @{ @name UsbUpdateRequiresPassword */
+/** Delivers whether an update from a USB stick asks for a password. BOOL, default 0, unprofiled. */
 int32_t DAL_CML_getUsbUpdateRequiresPassword(BOOL* value);
+/** Stores whether an update from a USB stick asks for a password. */
 int32_t DAL_CML_setUsbUpdateRequiresPassword(BOOL value);
+/** Returns the default of UsbUpdateRequiresPassword, 0. */
 BOOL DAL_CML_getUsbUpdateRequiresPasswordDefault(void);
+/** Removes the stored UsbUpdateRequiresPassword: 0 holds again. */
 int32_t DAL_CML_deleteUsbUpdateRequiresPassword(void);
+/** Removes the stored UsbUpdateRequiresPassword of all profile numbers. */
 int32_t DAL_CML_deleteAllUsbUpdateRequiresPassword(void);
+/** Returns 1 if UsbUpdateRequiresPassword is stored, 0 if not. */
 int32_t DAL_CML_isUsbUpdateRequiresPasswordPresent(void);
+/** @} */
 
-/* Whether the driver may change the brightness of the display. BOOL, default 0, profiled. */
+/** @{ @name AllowDriverToAdjustBrightness */
+/**
+ * Delivers whether the driver may change the brightness of the display. BOOL, default 0, profiled.
+ */
 int32_t DAL_CML_getAllowDriverToAdjustBrightness(BOOL* value);
+/** Stores whether the driver may change the brightness of the display. */
 int32_t DAL_CML_setAllowDriverToAdjustBrightness(BOOL value);
+/** Returns the default of AllowDriverToAdjustBrightness, 0. */
 BOOL DAL_CML_getAllowDriverToAdjustBrightnessDefault(void);
+/** Removes the stored AllowDriverToAdjustBrightness: 0 holds again. */
 int32_t DAL_CML_deleteAllowDriverToAdjustBrightness(void);
+/** Removes the stored AllowDriverToAdjustBrightness of all profile numbers. */
 int32_t DAL_CML_deleteAllAllowDriverToAdjustBrightness(void);
+/** Returns 1 if AllowDriverToAdjustBrightness is stored, 0 if not. */
 int32_t DAL_CML_isAllowDriverToAdjustBrightnessPresent(void);
+/** @} */
 
-/* Whether a change of destination asks for a password. BOOL, default 0, unprofiled. */
+/** @{ @name DestinationChangeRequiresPassword */
+/** Delivers whether a change of destination asks for a password. BOOL, default 0, unprofiled. */
 int32_t DAL_CML_getDestinationChangeRequiresPassword(BOOL* value);
+/** Stores whether a change of destination asks for a password. */
 int32_t DAL_CML_setDestinationChangeRequiresPassword(BOOL value);
+/** Returns the default of DestinationChangeRequiresPassword, 0. */
 BOOL DAL_CML_getDestinationChangeRequiresPasswordDefault(void);
+/** Removes the stored DestinationChangeRequiresPassword: 0 holds again. */
 int32_t DAL_CML_deleteDestinationChangeRequiresPassword(void);
+/** Removes the stored DestinationChangeRequiresPassword of all profile numbers. */
 int32_t DAL_CML_deleteAllDestinationChangeRequiresPassword(void);
+/** Returns 1 if DestinationChangeRequiresPassword is stored, 0 if not. */
 int32_t DAL_CML_isDestinationChangeRequiresPasswordPresent(void);
+/** @} */
 
-/* Whether a change of information asks for a password. BOOL, default 0, unprofiled. */
+/** @{ @name InformationChangeRequiresPassword */
+/** Delivers whether a change of information asks for a password. BOOL, default 0, unprofiled. */
 int32_t DAL_CML_getInformationChangeRequiresPassword(BOOL* value);
+/** Stores whether a change of information asks for a password. */
 int32_t DAL_CML_setInformationChangeRequiresPassword(BOOL value);
+/** Returns the default of InformationChangeRequiresPassword, 0. */
 BOOL DAL_CML_getInformationChangeRequiresPasswordDefault(void);
+/** Removes the stored InformationChangeRequiresPassword: 0 holds again. */
 int32_t DAL_CML_deleteInformationChangeRequiresPassword(void);
+/** Removes the stored InformationChangeRequiresPassword of all profile numbers. */
 int32_t DAL_CML_deleteAllInformationChangeRequiresPassword(void);
+/** Returns 1 if InformationChangeRequiresPassword is stored, 0 if not. */
 int32_t DAL_CML_isInformationChangeRequiresPasswordPresent(void);
+/** @} */
 
-/* Whether round trips are in use. BOOL, default 0, unprofiled. */
+/** @{ @name RoundTripEnable */
+/** Delivers whether round trips are in use. BOOL, default 0, unprofiled. */
 int32_t DAL_CML_getRoundTripEnable(BOOL* value);
+/** Stores whether round trips are in use. */
 int32_t DAL_CML_setRoundTripEnable(BOOL value);
+/** Returns the default of RoundTripEnable, 0. */
 BOOL DAL_CML_getRoundTripEnableDefault(void);
+/** Removes the stored RoundTripEnable: 0 holds again. */
 int32_t DAL_CML_deleteRoundTripEnable(void);
+/** Removes the stored RoundTripEnable of all profile numbers. */
 int32_t DAL_CML_deleteAllRoundTripEnable(void);
+/** Returns 1 if RoundTripEnable is stored, 0 if not. */
 int32_t DAL_CML_isRoundTripEnablePresent(void);
+/** @} */
 
-/*
- * Orientation of the round trip; the store gives neither value a meaning. BOOL, default 0,
+/** @{ @name RoundTripOrientation */
+/**
+ * Delivers the orientation of the round trip. Neither value has a meaning here. BOOL, default 0,
  * unprofiled.
  */
 int32_t DAL_CML_getRoundTripOrientation(BOOL* value);
+/** Stores the orientation of the round trip. */
 int32_t DAL_CML_setRoundTripOrientation(BOOL value);
+/** Returns the default of RoundTripOrientation, 0. */
 BOOL DAL_CML_getRoundTripOrientationDefault(void);
+/** Removes the stored RoundTripOrientation: 0 holds again. */
 int32_t DAL_CML_deleteRoundTripOrientation(void);
+/** Removes the stored RoundTripOrientation of all profile numbers. */
 int32_t DAL_CML_deleteAllRoundTripOrientation(void);
+/** Returns 1 if RoundTripOrientation is stored, 0 if not. */
 int32_t DAL_CML_isRoundTripOrientationPresent(void);
+/** @} */
 
-/* Whether destinations may be controlled from the console. BOOL, default 1, unprofiled. */
+/** @{ @name AllowControlOfDestinations */
+/**
+ * Delivers whether destinations may be controlled from the console. BOOL, default 1, unprofiled.
+ */
 int32_t DAL_CML_getAllowControlOfDestinations(BOOL* value);
+/** Stores whether destinations may be controlled from the console. */
 int32_t DAL_CML_setAllowControlOfDestinations(BOOL value);
+/** Returns the default of AllowControlOfDestinations, 1. */
 BOOL DAL_CML_getAllowControlOfDestinationsDefault(void);
+/** Removes the stored AllowControlOfDestinations: 1 holds again. */
 int32_t DAL_CML_deleteAllowControlOfDestinations(void);
+/** Removes the stored AllowControlOfDestinations of all profile numbers. */
 int32_t DAL_CML_deleteAllAllowControlOfDestinations(void);
+/** Returns 1 if AllowControlOfDestinations is stored, 0 if not. */
 int32_t DAL_CML_isAllowControlOfDestinationsPresent(void);
+/** @} */
 
-/*
- * Time without input until the display counts as inactive; the store fixes no unit. Integer,
+/** @{ @name DisplayInactivityTimeout */
+/**
+ * Delivers the time without input until the display counts as inactive. No unit is fixed. Integer,
  * default 15, profiled.
  */
 int32_t DAL_CML_getDisplayInactivityTimeout(int32_t* value);
+/** Stores the time without input until the display counts as inactive. */
 int32_t DAL_CML_setDisplayInactivityTimeout(int32_t value);
+/** Returns the default of DisplayInactivityTimeout, 15. */
 int32_t DAL_CML_getDisplayInactivityTimeoutDefault(void);
+/** Removes the stored DisplayInactivityTimeout: 15 holds again. */
 int32_t DAL_CML_deleteDisplayInactivityTimeout(void);
+/** Removes the stored DisplayInactivityTimeout of all profile numbers. */
 int32_t DAL_CML_deleteAllDisplayInactivityTimeout(void);
+/** Returns 1 if DisplayInactivityTimeout is stored, 0 if not. */
 int32_t DAL_CML_isDisplayInactivityTimeoutPresent(void);
+/** @} */
 
-/* Time until the display goes off; the store fixes no unit. Integer, default 30, profiled. */
+/** @{ @name DisplayOffTimeout */
+/**
+ * Delivers the time until the display goes off. No unit is fixed. Integer, default 30, profiled.
+ */
 int32_t DAL_CML_getDisplayOffTimeout(int32_t* value);
+/** Stores the time until the display goes off. */
 int32_t DAL_CML_setDisplayOffTimeout(int32_t value);
+/** Returns the default of DisplayOffTimeout, 30. */
 int32_t DAL_CML_getDisplayOffTimeoutDefault(void);
+/** Removes the stored DisplayOffTimeout: 30 holds again. */
 int32_t DAL_CML_deleteDisplayOffTimeout(void);
+/** Removes the stored DisplayOffTimeout of all profile numbers. */
 int32_t DAL_CML_deleteAllDisplayOffTimeout(void);
+/** Returns 1 if DisplayOffTimeout is stored, 0 if not. */
 int32_t DAL_CML_isDisplayOffTimeoutPresent(void);
+/** @} */
 
-/* Time until maintenance mode ends; the store fixes no unit. Integer, default 0, profiled. */
+/** @{ @name MaintenanceTimeout */
+/**
+ * Delivers the time until maintenance mode ends. No unit is fixed. Integer, default 0, profiled.
+ */
 int32_t DAL_CML_getMaintenanceTimeout(int32_t* value);
+/** Stores the time until maintenance mode ends. */
 int32_t DAL_CML_setMaintenanceTimeout(int32_t value);
+/** Returns the default of MaintenanceTimeout, 0. */
 int32_t DAL_CML_getMaintenanceTimeoutDefault(void);
+/** Removes the stored MaintenanceTimeout: 0 holds again. */
 int32_t DAL_CML_deleteMaintenanceTimeout(void);
+/** Removes the stored MaintenanceTimeout of all profile numbers. */
 int32_t DAL_CML_deleteAllMaintenanceTimeout(void);
+/** Returns 1 if MaintenanceTimeout is stored, 0 if not. */
 int32_t DAL_CML_isMaintenanceTimeoutPresent(void);
+/** @} */
 
-/* Whether the driver may use the Qor terminal. BOOL, default 1, profiled. */
+/** @{ @name DriverQorTerminalPermission */
+/** Delivers whether the driver may use the Qor terminal. BOOL, default 1, profiled. */
 int32_t DAL_CML_getDriverQorTerminalPermission(BOOL* value);
+/** Stores whether the driver may use the Qor terminal. */
 int32_t DAL_CML_setDriverQorTerminalPermission(BOOL value);
+/** Returns the default of DriverQorTerminalPermission, 1. */
 BOOL DAL_CML_getDriverQorTerminalPermissionDefault(void);
+/** Removes the stored DriverQorTerminalPermission: 1 holds again. */
 int32_t DAL_CML_deleteDriverQorTerminalPermission(void);
+/** Removes the stored DriverQorTerminalPermission of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverQorTerminalPermission(void);
+/** Returns 1 if DriverQorTerminalPermission is stored, 0 if not. */
 int32_t DAL_CML_isDriverQorTerminalPermissionPresent(void);
+/** @} */
 
-/*
- * Source of the driver's display; the store gives the numbers no meaning. Integer, default -1,
- * unprofiled.
+/** @{ @name DriverDisplaySource */
+/**
+ * Delivers the source of the driver's display. The numbers have no meaning here. Integer, default
+ * -1, unprofiled.
  */
 int32_t DAL_CML_getDriverDisplaySource(int32_t* value);
+/** Stores the source of the driver's display. */
 int32_t DAL_CML_setDriverDisplaySource(int32_t value);
+/** Returns the default of DriverDisplaySource, -1. */
 int32_t DAL_CML_getDriverDisplaySourceDefault(void);
+/** Removes the stored DriverDisplaySource: -1 holds again. */
 int32_t DAL_CML_deleteDriverDisplaySource(void);
+/** Removes the stored DriverDisplaySource of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverDisplaySource(void);
+/** Returns 1 if DriverDisplaySource is stored, 0 if not. */
 int32_t DAL_CML_isDriverDisplaySourcePresent(void);
+/** @} */
 
-/*
- * How the driver's display is rendered; the store gives the numbers no meaning. Integer, default
+/** @{ @name DriverDisplayRenderMode */
+/**
+ * Delivers how the driver's display is rendered. The numbers have no meaning here. Integer, default
  * 0, unprofiled.
  */
 int32_t DAL_CML_getDriverDisplayRenderMode(int32_t* value);
+/** Stores how the driver's display is rendered. */
 int32_t DAL_CML_setDriverDisplayRenderMode(int32_t value);
+/** Returns the default of DriverDisplayRenderMode, 0. */
 int32_t DAL_CML_getDriverDisplayRenderModeDefault(void);
+/** Removes the stored DriverDisplayRenderMode: 0 holds again. */
 int32_t DAL_CML_deleteDriverDisplayRenderMode(void);
+/** Removes the stored DriverDisplayRenderMode of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverDisplayRenderMode(void);
+/** Returns 1 if DriverDisplayRenderMode is stored, 0 if not. */
 int32_t DAL_CML_isDriverDisplayRenderModePresent(void);
+/** @} */
 
-/* Whether hot keys may be selected. BOOL, default 0, profiled. */
+/** @{ @name QorHotKeySelectEnabled */
+/** Delivers whether hot keys may be selected. BOOL, default 0, profiled. */
 int32_t DAL_CML_getQorHotKeySelectEnabled(BOOL* value);
+/** Stores whether hot keys may be selected. */
 int32_t DAL_CML_setQorHotKeySelectEnabled(BOOL value);
+/** Returns the default of QorHotKeySelectEnabled, 0. */
 BOOL DAL_CML_getQorHotKeySelectEnabledDefault(void);
+/** Removes the stored QorHotKeySelectEnabled: 0 holds again. */
 int32_t DAL_CML_deleteQorHotKeySelectEnabled(void);
+/** Removes the stored QorHotKeySelectEnabled of all profile numbers. */
 int32_t DAL_CML_deleteAllQorHotKeySelectEnabled(void);
+/** Returns 1 if QorHotKeySelectEnabled is stored, 0 if not. */
 int32_t DAL_CML_isQorHotKeySelectEnabledPresent(void);
+/** @} */
 
-/*
- * Which of the two time formats is shown; the store gives neither value a meaning. BOOL, default
+/** @{ @name TimeFormat */
+/**
+ * Delivers which of the two time formats is shown. Neither value has a meaning here. BOOL, default
  * 1, unprofiled.
  */
 int32_t DAL_CML_getTimeFormat(BOOL* value);
+/** Stores which of the two time formats is shown. */
 int32_t DAL_CML_setTimeFormat(BOOL value);
+/** Returns the default of TimeFormat, 1. */
 BOOL DAL_CML_getTimeFormatDefault(void);
+/** Removes the stored TimeFormat: 1 holds again. */
 int32_t DAL_CML_deleteTimeFormat(void);
+/** Removes the stored TimeFormat of all profile numbers. */
 int32_t DAL_CML_deleteAllTimeFormat(void);
+/** Returns 1 if TimeFormat is stored, 0 if not. */
 int32_t DAL_CML_isTimeFormatPresent(void);
+/** @} */
 
-/* Whether the virtual Qor terminal is offered. BOOL, default 0, profiled. */
+/** @{ @name EnableVirtualQorTerminal */
+/** Delivers whether the virtual Qor terminal is offered. BOOL, default 0, profiled. */
 int32_t DAL_CML_getEnableVirtualQorTerminal(BOOL* value);
+/** Stores whether the virtual Qor terminal is offered. */
 int32_t DAL_CML_setEnableVirtualQorTerminal(BOOL value);
+/** Returns the default of EnableVirtualQorTerminal, 0. */
 BOOL DAL_CML_getEnableVirtualQorTerminalDefault(void);
+/** Removes the stored EnableVirtualQorTerminal: 0 holds again. */
 int32_t DAL_CML_deleteEnableVirtualQorTerminal(void);
+/** Removes the stored EnableVirtualQorTerminal of all profile numbers. */
 int32_t DAL_CML_deleteAllEnableVirtualQorTerminal(void);
+/** Returns 1 if EnableVirtualQorTerminal is stored, 0 if not. */
 int32_t DAL_CML_isEnableVirtualQorTerminalPresent(void);
+/** @} */
 
-/* Whether the sign test is locked to maintenance. BOOL, default 0, unprofiled. */
+/** @{ @name SignTestMaintenanceLock */
+/** Delivers whether the sign test is locked to maintenance. BOOL, default 0, unprofiled. */
 int32_t DAL_CML_getSignTestMaintenanceLock(BOOL* value);
+/** Stores whether the sign test is locked to maintenance. */
 int32_t DAL_CML_setSignTestMaintenanceLock(BOOL value);
+/** Returns the default of SignTestMaintenanceLock, 0. */
 BOOL DAL_CML_getSignTestMaintenanceLockDefault(void);
+/** Removes the stored SignTestMaintenanceLock: 0 holds again. */
 int32_t DAL_CML_deleteSignTestMaintenanceLock(void);
+/** Removes the stored SignTestMaintenanceLock of all profile numbers. */
 int32_t DAL_CML_deleteAllSignTestMaintenanceLock(void);
+/** Returns 1 if SignTestMaintenanceLock is stored, 0 if not. */
 int32_t DAL_CML_isSignTestMaintenanceLockPresent(void);
+/** @} */
 
-/* Whether the driver may reboot the console. BOOL, default 0, profiled. */
+/** @{ @name AllowDriverReboot */
+/** Delivers whether the driver may reboot the console. BOOL, default 0, profiled. */
 int32_t DAL_CML_getAllowDriverReboot(BOOL* value);
+/** Stores whether the driver may reboot the console. */
 int32_t DAL_CML_setAllowDriverReboot(BOOL value);
+/** Returns the default of AllowDriverReboot, 0. */
 BOOL DAL_CML_getAllowDriverRebootDefault(void);
+/** Removes the stored AllowDriverReboot: 0 holds again. */
 int32_t DAL_CML_deleteAllowDriverReboot(void);
+/** Removes the stored AllowDriverReboot of all profile numbers. */
 int32_t DAL_CML_deleteAllAllowDriverReboot(void);
+/** Returns 1 if AllowDriverReboot is stored, 0 if not. */
 int32_t DAL_CML_isAllowDriverRebootPresent(void);
+/** @} */
 
-/*
- * Order of the icons on the home screen; stored and delivered untouched. String, default the
+/** @{ @name HomeScreenIconOrder */
+/**
+ * Delivers the order of the icons on the home screen. It has no form here. String, default the
  * empty string, profiled.
  */
 int32_t DAL_CML_getHomeScreenIconOrder(char* buffer, uint32_t* valueInfo, size_t size);
+/** Delivers the stored HomeScreenIconOrder in a block from malloc; null if there is none. */
 int32_t DAL_CML_getHomeScreenIconOrderMalloc(char** value, uint32_t* valueInfo);
+/** Stores the order of the icons on the home screen. */
 int32_t DAL_CML_setHomeScreenIconOrder(const char* value);
+/** Returns the default of HomeScreenIconOrder, the empty string. */
 const char* DAL_CML_getHomeScreenIconOrderDefault(void);
+/** Removes the stored HomeScreenIconOrder: the empty string holds again. */
 int32_t DAL_CML_deleteHomeScreenIconOrder(void);
+/** Removes the stored HomeScreenIconOrder of all profile numbers. */
 int32_t DAL_CML_deleteAllHomeScreenIconOrder(void);
+/** Returns 1 if HomeScreenIconOrder is stored, 0 if not. */
 int32_t DAL_CML_isHomeScreenIconOrderPresent(void);
+/** @} */
 
-/* Whether a custom splash screen is shown. BOOL, default 1, profiled. */
+/** @{ @name ShowCustomSplash */
+/** Delivers whether a custom splash screen is shown. BOOL, default 1, profiled. */
 int32_t DAL_CML_getShowCustomSplash(BOOL* value);
+/** Stores whether a custom splash screen is shown. */
 int32_t DAL_CML_setShowCustomSplash(BOOL value);
+/** Returns the default of ShowCustomSplash, 1. */
 BOOL DAL_CML_getShowCustomSplashDefault(void);
+/** Removes the stored ShowCustomSplash: 1 holds again. */
 int32_t DAL_CML_deleteShowCustomSplash(void);
+/** Removes the stored ShowCustomSplash of all profile numbers. */
 int32_t DAL_CML_deleteAllShowCustomSplash(void);
+/** Returns 1 if ShowCustomSplash is stored, 0 if not. */
 int32_t DAL_CML_isShowCustomSplashPresent(void);
+/** @} */
 
-/* Character encoding of messages to the driver. String, default "UTF-8", profiled. */
+/** @{ @name DriverMessageTextEncoding */
+/** Delivers the character encoding of messages to the driver. String, default "UTF-8", profiled. */
 int32_t DAL_CML_getDriverMessageTextEncoding(char* buffer, uint32_t* valueInfo, size_t size);
+/** Delivers the stored DriverMessageTextEncoding in a block from malloc; null if there is none. */
 int32_t DAL_CML_getDriverMessageTextEncodingMalloc(char** value, uint32_t* valueInfo);
+/** Stores the character encoding of messages to the driver. */
 int32_t DAL_CML_setDriverMessageTextEncoding(const char* value);
+/** Returns the default of DriverMessageTextEncoding, "UTF-8". */
 const char* DAL_CML_getDriverMessageTextEncodingDefault(void);
+/** Removes the stored DriverMessageTextEncoding: "UTF-8" holds again. */
 int32_t DAL_CML_deleteDriverMessageTextEncoding(void);
+/** Removes the stored DriverMessageTextEncoding of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverMessageTextEncoding(void);
+/** Returns 1 if DriverMessageTextEncoding is stored, 0 if not. */
 int32_t DAL_CML_isDriverMessageTextEncodingPresent(void);
+/** @} */
 
-/* Number of icons in the bar of the home screen. Integer, default 4, profiled. */
+/** @{ @name HomeScreenIconBarQty */
+/** Delivers the number of icons in the bar of the home screen. Integer, default 4, profiled. */
 int32_t DAL_CML_getHomeScreenIconBarQty(int32_t* value);
+/** Stores the number of icons in the bar of the home screen. */
 int32_t DAL_CML_setHomeScreenIconBarQty(int32_t value);
+/** Returns the default of HomeScreenIconBarQty, 4. */
 int32_t DAL_CML_getHomeScreenIconBarQtyDefault(void);
+/** Removes the stored HomeScreenIconBarQty: 4 holds again. */
 int32_t DAL_CML_deleteHomeScreenIconBarQty(void);
+/** Removes the stored HomeScreenIconBarQty of all profile numbers. */
 int32_t DAL_CML_deleteAllHomeScreenIconBarQty(void);
+/** Returns 1 if HomeScreenIconBarQty is stored, 0 if not. */
 int32_t DAL_CML_isHomeScreenIconBarQtyPresent(void);
+/** @} */
 
-/* Whether a remote action wakes the display. BOOL, default 1, profiled. */
+/** @{ @name WakeOnRemoteAction */
+/** Delivers whether a remote action wakes the display. BOOL, default 1, profiled. */
 int32_t DAL_CML_getWakeOnRemoteAction(BOOL* value);
+/** Stores whether a remote action wakes the display. */
 int32_t DAL_CML_setWakeOnRemoteAction(BOOL value);
+/** Returns the default of WakeOnRemoteAction, 1. */
 BOOL DAL_CML_getWakeOnRemoteActionDefault(void);
+/** Removes the stored WakeOnRemoteAction: 1 holds again. */
 int32_t DAL_CML_deleteWakeOnRemoteAction(void);
+/** Removes the stored WakeOnRemoteAction of all profile numbers. */
 int32_t DAL_CML_deleteAllWakeOnRemoteAction(void);
+/** Returns 1 if WakeOnRemoteAction is stored, 0 if not. */
 int32_t DAL_CML_isWakeOnRemoteActionPresent(void);
+/** @} */
 
-/* Whether codes are entered on a keypad. BOOL, default 0, profiled. */
+/** @{ @name UseCodeEntryKeypad */
+/** Delivers whether codes are entered on a keypad. BOOL, default 0, profiled. */
 int32_t DAL_CML_getUseCodeEntryKeypad(BOOL* value);
+/** Stores whether codes are entered on a keypad. */
 int32_t DAL_CML_setUseCodeEntryKeypad(BOOL value);
+/** Returns the default of UseCodeEntryKeypad, 0. */
 BOOL DAL_CML_getUseCodeEntryKeypadDefault(void);
+/** Removes the stored UseCodeEntryKeypad: 0 holds again. */
 int32_t DAL_CML_deleteUseCodeEntryKeypad(void);
+/** Removes the stored UseCodeEntryKeypad of all profile numbers. */
 int32_t DAL_CML_deleteAllUseCodeEntryKeypad(void);
+/** Returns 1 if UseCodeEntryKeypad is stored, 0 if not. */
 int32_t DAL_CML_isUseCodeEntryKeypadPresent(void);
+/** @} */
 
-/* Whether the icon that toggles the theme is shown. BOOL, default 0, profiled. */
+/** @{ @name ShowToggleThemeIcon */
+/** Delivers whether the icon that toggles the theme is shown. BOOL, default 0, profiled. */
 int32_t DAL_CML_getShowToggleThemeIcon(BOOL* value);
+/** Stores whether the icon that toggles the theme is shown. */
 int32_t DAL_CML_setShowToggleThemeIcon(BOOL value);
+/** Returns the default of ShowToggleThemeIcon, 0. */
 BOOL DAL_CML_getShowToggleThemeIconDefault(void);
+/** Removes the stored ShowToggleThemeIcon: 0 holds again. */
 int32_t DAL_CML_deleteShowToggleThemeIcon(void);
+/** Removes the stored ShowToggleThemeIcon of all profile numbers. */
 int32_t DAL_CML_deleteAllShowToggleThemeIcon(void);
+/** Returns 1 if ShowToggleThemeIcon is stored, 0 if not. */
 int32_t DAL_CML_isShowToggleThemeIconPresent(void);
+/** @} */
 
-/* Whether the home screen has controls to browse codes. BOOL, default 1, profiled. */
+/** @{ @name UseHomeCodeBrowseControls */
+/** Delivers whether the home screen has controls to browse codes. BOOL, default 1, profiled. */
 int32_t DAL_CML_getUseHomeCodeBrowseControls(BOOL* value);
+/** Stores whether the home screen has controls to browse codes. */
 int32_t DAL_CML_setUseHomeCodeBrowseControls(BOOL value);
+/** Returns the default of UseHomeCodeBrowseControls, 1. */
 BOOL DAL_CML_getUseHomeCodeBrowseControlsDefault(void);
+/** Removes the stored UseHomeCodeBrowseControls: 1 holds again. */
 int32_t DAL_CML_deleteUseHomeCodeBrowseControls(void);
+/** Removes the stored UseHomeCodeBrowseControls of all profile numbers. */
 int32_t DAL_CML_deleteAllUseHomeCodeBrowseControls(void);
+/** Returns 1 if UseHomeCodeBrowseControls is stored, 0 if not. */
 int32_t DAL_CML_isUseHomeCodeBrowseControlsPresent(void);
+/** @} */
 
-/* Whether a touch makes a click. BOOL, default 1, profiled. */
+/** @{ @name TouchScreenClick */
+/** Delivers whether a touch makes a click. BOOL, default 1, profiled. */
 int32_t DAL_CML_getTouchScreenClick(BOOL* value);
+/** Stores whether a touch makes a click. */
 int32_t DAL_CML_setTouchScreenClick(BOOL value);
+/** Returns the default of TouchScreenClick, 1. */
 BOOL DAL_CML_getTouchScreenClickDefault(void);
+/** Removes the stored TouchScreenClick: 1 holds again. */
 int32_t DAL_CML_deleteTouchScreenClick(void);
+/** Removes the stored TouchScreenClick of all profile numbers. */
 int32_t DAL_CML_deleteAllTouchScreenClick(void);
+/** Returns 1 if TouchScreenClick is stored, 0 if not. */
 int32_t DAL_CML_isTouchScreenClickPresent(void);
+/** @} */
 
-/* Whether the list of profiles is shown at first. BOOL, default 0, profiled. */
+/** @{ @name ShowProfilesListByDefault */
+/** Delivers whether the list of profiles is shown at first. BOOL, default 0, profiled. */
 int32_t DAL_CML_getShowProfilesListByDefault(BOOL* value);
+/** Stores whether the list of profiles is shown at first. */
 int32_t DAL_CML_setShowProfilesListByDefault(BOOL value);
+/** Returns the default of ShowProfilesListByDefault, 0. */
 BOOL DAL_CML_getShowProfilesListByDefaultDefault(void);
+/** Removes the stored ShowProfilesListByDefault: 0 holds again. */
 int32_t DAL_CML_deleteShowProfilesListByDefault(void);
+/** Removes the stored ShowProfilesListByDefault of all profile numbers. */
 int32_t DAL_CML_deleteAllShowProfilesListByDefault(void);
+/** Returns 1 if ShowProfilesListByDefault is stored, 0 if not. */
 int32_t DAL_CML_isShowProfilesListByDefaultPresent(void);
+/** @} */
 
-/* Whether an update from a USB stick beeps. BOOL, default 1, profiled. */
+/** @{ @name BeepsOnUsbUpdate */
+/** Delivers whether an update from a USB stick beeps. BOOL, default 1, profiled. */
 int32_t DAL_CML_getBeepsOnUsbUpdate(BOOL* value);
+/** Stores whether an update from a USB stick beeps. */
 int32_t DAL_CML_setBeepsOnUsbUpdate(BOOL value);
+/** Returns the default of BeepsOnUsbUpdate, 1. */
 BOOL DAL_CML_getBeepsOnUsbUpdateDefault(void);
+/** Removes the stored BeepsOnUsbUpdate: 1 holds again. */
 int32_t DAL_CML_deleteBeepsOnUsbUpdate(void);
+/** Removes the stored BeepsOnUsbUpdate of all profile numbers. */
 int32_t DAL_CML_deleteAllBeepsOnUsbUpdate(void);
+/** Returns 1 if BeepsOnUsbUpdate is stored, 0 if not. */
 int32_t DAL_CML_isBeepsOnUsbUpdatePresent(void);
+/** @} */
 
-/* Whether the passenger count is shown. BOOL, default 0, profiled. */
+/** @{ @name ShowPassengerCountTile */
+/** Delivers whether the passenger count is shown. BOOL, default 0, profiled. */
 int32_t DAL_CML_getShowPassengerCountTile(BOOL* value);
+/** Stores whether the passenger count is shown. */
 int32_t DAL_CML_setShowPassengerCountTile(BOOL value);
+/** Returns the default of ShowPassengerCountTile, 0. */
 BOOL DAL_CML_getShowPassengerCountTileDefault(void);
+/** Removes the stored ShowPassengerCountTile: 0 holds again. */
 int32_t DAL_CML_deleteShowPassengerCountTile(void);
+/** Removes the stored ShowPassengerCountTile of all profile numbers. */
 int32_t DAL_CML_deleteAllShowPassengerCountTile(void);
+/** Returns 1 if ShowPassengerCountTile is stored, 0 if not. */
 int32_t DAL_CML_isShowPassengerCountTilePresent(void);
+/** @} */
 
-/* Whether the home screen shows date and time. BOOL, default 1, profiled. */
+/** @{ @name ShowHomeScreenDateTime */
+/** Delivers whether the home screen shows date and time. BOOL, default 1, profiled. */
 int32_t DAL_CML_getShowHomeScreenDateTime(BOOL* value);
+/** Stores whether the home screen shows date and time. */
 int32_t DAL_CML_setShowHomeScreenDateTime(BOOL value);
+/** Returns the default of ShowHomeScreenDateTime, 1. */
 BOOL DAL_CML_getShowHomeScreenDateTimeDefault(void);
+/** Removes the stored ShowHomeScreenDateTime: 1 holds again. */
 int32_t DAL_CML_deleteShowHomeScreenDateTime(void);
+/** Removes the stored ShowHomeScreenDateTime of all profile numbers. */
 int32_t DAL_CML_deleteAllShowHomeScreenDateTime(void);
+/** Returns 1 if ShowHomeScreenDateTime is stored, 0 if not. */
 int32_t DAL_CML_isShowHomeScreenDateTimePresent(void);
+/** @} */
 
-/*
- * ---- Settings of one word ----
- *
+/** @file
+ * @par Settings of one word
  * The database holds a word, the functions speak of its number. A getter gives the default number
  * for a stored text that is none of the words, compared as a whole and with regard to case. A set
  * with any other number stores the empty text, which reads as the default and counts as present.
  */
 
-/* What the driver may do about the destination. */
+/** What the driver may do about the destination. */
 enum CML_DestinationClearControl {
-    CML_DESTINATION_CLEAR_CONTROL_DISABLE = 0, /* never clear it */
-    CML_DESTINATION_CLEAR_CONTROL_ENABLE = 1,  /* clear it */
-    CML_DESTINATION_CLEAR_CONTROL_PROMPT = 2   /* clear it after a question */
+    CML_DESTINATION_CLEAR_CONTROL_DISABLE = 0, /**< never clear it */
+    CML_DESTINATION_CLEAR_CONTROL_ENABLE = 1,  /**< clear it */
+    CML_DESTINATION_CLEAR_CONTROL_PROMPT = 2   /**< clear it after a question */
 };
 
-/*
- * Whether the driver may clear the destination. 0 "DISABLE", 1 "ENABLE", 2 "PROMPT". Default 1,
- * profiled.
+/** @{ @name DestinationClearControl */
+/**
+ * Delivers whether the driver may clear the destination. A CML_DestinationClearControl, default
+ * CML_DESTINATION_CLEAR_CONTROL_ENABLE, profiled.
  */
 int32_t DAL_CML_getDestinationClearControl(int32_t* value);
+/** Stores whether the driver may clear the destination. */
 int32_t DAL_CML_setDestinationClearControl(int32_t value);
+/** Returns the default of DestinationClearControl, CML_DESTINATION_CLEAR_CONTROL_ENABLE. */
 int32_t DAL_CML_getDestinationClearControlDefault(void);
+/** Removes the stored DestinationClearControl: CML_DESTINATION_CLEAR_CONTROL_ENABLE holds again. */
 int32_t DAL_CML_deleteDestinationClearControl(void);
+/** Removes the stored DestinationClearControl of all profile numbers. */
 int32_t DAL_CML_deleteAllDestinationClearControl(void);
+/** Returns 1 if DestinationClearControl is stored, 0 if not. */
 int32_t DAL_CML_isDestinationClearControlPresent(void);
+/** @} */
 
-/* The forms of a date. */
+/** The forms of a date. */
 enum CML_DateFormat {
-    CML_DATE_FORMAT_DDMMYY = 0,   /* day, month, two digits of the year */
-    CML_DATE_FORMAT_DDMMYYYY = 1, /* day, month, year */
-    CML_DATE_FORMAT_MMDDYYYY = 2, /* month, day, year */
-    CML_DATE_FORMAT_YYYYMMDD = 3  /* year, month, day */
+    CML_DATE_FORMAT_DDMMYY = 0,   /**< day, month, two digits of the year */
+    CML_DATE_FORMAT_DDMMYYYY = 1, /**< day, month, year */
+    CML_DATE_FORMAT_MMDDYYYY = 2, /**< month, day, year */
+    CML_DATE_FORMAT_YYYYMMDD = 3  /**< year, month, day */
 };
 
-/*
- * Form in which dates are shown. 0 "DDMMYY", 1 "DDMMYYYY", 2 "MMDDYYYY", 3 "YYYYMMDD". Default 1,
+/** @{ @name DateFormat */
+/**
+ * Delivers the form in which dates are shown. A CML_DateFormat, default CML_DATE_FORMAT_DDMMYYYY,
  * unprofiled.
  */
 int32_t DAL_CML_getDateFormat(int32_t* value);
+/** Stores the form in which dates are shown. */
 int32_t DAL_CML_setDateFormat(int32_t value);
+/** Returns the default of DateFormat, CML_DATE_FORMAT_DDMMYYYY. */
 int32_t DAL_CML_getDateFormatDefault(void);
+/** Removes the stored DateFormat: CML_DATE_FORMAT_DDMMYYYY holds again. */
 int32_t DAL_CML_deleteDateFormat(void);
+/** Removes the stored DateFormat of all profile numbers. */
 int32_t DAL_CML_deleteAllDateFormat(void);
+/** Returns 1 if DateFormat is stored, 0 if not. */
 int32_t DAL_CML_isDateFormatPresent(void);
+/** @} */
 
-/* The ways to pick a destination. */
+/** The ways to pick a destination. */
 enum CML_DriverDestinationSelectionMode {
-    CML_DRIVER_DESTINATION_SELECTION_MODE_ENTER_BY_NUMBER = 0, /* its number is entered */
-    CML_DRIVER_DESTINATION_SELECTION_MODE_BROWSE_FROM_LIST = 1 /* it is picked from a list */
+    CML_DRIVER_DESTINATION_SELECTION_MODE_ENTER_BY_NUMBER = 0, /**< its number is entered */
+    CML_DRIVER_DESTINATION_SELECTION_MODE_BROWSE_FROM_LIST = 1 /**< it is picked from a list */
 };
 
-/*
- * How the driver picks a destination. 0 "ENTER_BY_NUMBER", 1 "BROWSE_FROM_LIST". Default 0,
- * unprofiled.
+/** @{ @name DriverDestinationSelectionMode */
+/**
+ * Delivers how the driver picks a destination. A CML_DriverDestinationSelectionMode, default
+ * CML_DRIVER_DESTINATION_SELECTION_MODE_ENTER_BY_NUMBER, unprofiled.
  */
 int32_t DAL_CML_getDriverDestinationSelectionMode(int32_t* value);
+/** Stores how the driver picks a destination. */
 int32_t DAL_CML_setDriverDestinationSelectionMode(int32_t value);
+/**
+ * Returns the default of DriverDestinationSelectionMode,
+ * CML_DRIVER_DESTINATION_SELECTION_MODE_ENTER_BY_NUMBER.
+ */
 int32_t DAL_CML_getDriverDestinationSelectionModeDefault(void);
+/**
+ * Removes the stored DriverDestinationSelectionMode:
+ * CML_DRIVER_DESTINATION_SELECTION_MODE_ENTER_BY_NUMBER holds again.
+ */
 int32_t DAL_CML_deleteDriverDestinationSelectionMode(void);
+/** Removes the stored DriverDestinationSelectionMode of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverDestinationSelectionMode(void);
+/** Returns 1 if DriverDestinationSelectionMode is stored, 0 if not. */
 int32_t DAL_CML_isDriverDestinationSelectionModePresent(void);
+/** @} */
 
-/* The ways to pick information. */
+/** The ways to pick information. */
 enum CML_DriverInformationSelectionMode {
-    CML_DRIVER_INFORMATION_SELECTION_MODE_ENTER_BY_NUMBER = 0, /* its number is entered */
-    CML_DRIVER_INFORMATION_SELECTION_MODE_BROWSE_FROM_LIST = 1 /* it is picked from a list */
+    CML_DRIVER_INFORMATION_SELECTION_MODE_ENTER_BY_NUMBER = 0, /**< its number is entered */
+    CML_DRIVER_INFORMATION_SELECTION_MODE_BROWSE_FROM_LIST = 1 /**< it is picked from a list */
 };
 
-/*
- * How the driver picks information. 0 "ENTER_BY_NUMBER", 1 "BROWSE_FROM_LIST". Default 0,
- * unprofiled.
+/** @{ @name DriverInformationSelectionMode */
+/**
+ * Delivers how the driver picks information. A CML_DriverInformationSelectionMode, default
+ * CML_DRIVER_INFORMATION_SELECTION_MODE_ENTER_BY_NUMBER, unprofiled.
  */
 int32_t DAL_CML_getDriverInformationSelectionMode(int32_t* value);
+/** Stores how the driver picks information. */
 int32_t DAL_CML_setDriverInformationSelectionMode(int32_t value);
+/**
+ * Returns the default of DriverInformationSelectionMode,
+ * CML_DRIVER_INFORMATION_SELECTION_MODE_ENTER_BY_NUMBER.
+ */
 int32_t DAL_CML_getDriverInformationSelectionModeDefault(void);
+/**
+ * Removes the stored DriverInformationSelectionMode:
+ * CML_DRIVER_INFORMATION_SELECTION_MODE_ENTER_BY_NUMBER holds again.
+ */
 int32_t DAL_CML_deleteDriverInformationSelectionMode(void);
+/** Removes the stored DriverInformationSelectionMode of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverInformationSelectionMode(void);
+/** Returns 1 if DriverInformationSelectionMode is stored, 0 if not. */
 int32_t DAL_CML_isDriverInformationSelectionModePresent(void);
+/** @} */
 
-/* The themes of the user interface. */
+/** The themes of the user interface. */
 enum CML_Theme {
-    CML_THEME_LIGHT = 0, /* dark on light */
-    CML_THEME_DARK = 1,  /* light on dark */
-    CML_THEME_AUTO = 2   /* light or dark, as the application chooses */
+    CML_THEME_LIGHT = 0, /**< dark on light */
+    CML_THEME_DARK = 1,  /**< light on dark */
+    CML_THEME_AUTO = 2   /**< light or dark, as the application chooses */
 };
 
-/* Theme of the user interface. 0 "LIGHT", 1 "DARK", 2 "AUTO". Default 0, profiled. */
+/** @{ @name Theme */
+/** Delivers the theme of the user interface. A CML_Theme, default CML_THEME_LIGHT, profiled. */
 int32_t DAL_CML_getTheme(int32_t* value);
+/** Stores the theme of the user interface. */
 int32_t DAL_CML_setTheme(int32_t value);
+/** Returns the default of Theme, CML_THEME_LIGHT. */
 int32_t DAL_CML_getThemeDefault(void);
+/** Removes the stored Theme: CML_THEME_LIGHT holds again. */
 int32_t DAL_CML_deleteTheme(void);
+/** Removes the stored Theme of all profile numbers. */
 int32_t DAL_CML_deleteAllTheme(void);
+/** Returns 1 if Theme is stored, 0 if not. */
 int32_t DAL_CML_isThemePresent(void);
+/** @} */
 
-/* The themes for the time being. */
+/** The themes for the time being. */
 enum CML_AutoTheme {
-    CML_AUTO_THEME_LIGHT = 0, /* dark on light */
-    CML_AUTO_THEME_DARK = 1,  /* light on dark */
-    CML_AUTO_THEME_AUTO = 2   /* light or dark, as the application chooses */
+    CML_AUTO_THEME_LIGHT = 0, /**< dark on light */
+    CML_AUTO_THEME_DARK = 1,  /**< light on dark */
+    CML_AUTO_THEME_AUTO = 2   /**< light or dark, as the application chooses */
 };
 
-/*
- * Theme for the time being: the only setting in the volatile database, gone with the next start.
- * 0 "LIGHT", 1 "DARK", 2 "AUTO". Default 0, profiled.
+/** @{ @name AutoTheme */
+/**
+ * Delivers the theme for the time being. The only setting in the volatile database, gone with the
+ * next start. A CML_AutoTheme, default CML_AUTO_THEME_LIGHT, profiled.
  */
 int32_t DAL_CML_getAutoTheme(int32_t* value);
+/** Stores the theme for the time being. */
 int32_t DAL_CML_setAutoTheme(int32_t value);
+/** Returns the default of AutoTheme, CML_AUTO_THEME_LIGHT. */
 int32_t DAL_CML_getAutoThemeDefault(void);
+/** Removes the stored AutoTheme: CML_AUTO_THEME_LIGHT holds again. */
 int32_t DAL_CML_deleteAutoTheme(void);
+/** Removes the stored AutoTheme of all profile numbers. */
 int32_t DAL_CML_deleteAllAutoTheme(void);
+/** Returns 1 if AutoTheme is stored, 0 if not. */
 int32_t DAL_CML_isAutoThemePresent(void);
+/** @} */
 
-/* The icons of the hot key. */
+/** The icons of the hot key. */
 enum CML_QorHotKeyIcon {
-    CML_QOR_HOT_KEY_ICON_DEFAULT = 0,           /* the usual one */
-    CML_QOR_HOT_KEY_ICON_AUDIO_ANNOUNCEMENT = 1 /* that of an audio announcement */
+    CML_QOR_HOT_KEY_ICON_DEFAULT = 0,           /**< the usual one */
+    CML_QOR_HOT_KEY_ICON_AUDIO_ANNOUNCEMENT = 1 /**< that of an audio announcement */
 };
 
-/* Icon of the hot key. 0 "DEFAULT", 1 "AUDIO_ANNOUNCEMENT". Default 0, profiled. */
+/** @{ @name QorHotKeyIcon */
+/**
+ * Delivers the icon of the hot key. A CML_QorHotKeyIcon, default CML_QOR_HOT_KEY_ICON_DEFAULT,
+ * profiled.
+ */
 int32_t DAL_CML_getQorHotKeyIcon(int32_t* value);
+/** Stores the icon of the hot key. */
 int32_t DAL_CML_setQorHotKeyIcon(int32_t value);
+/** Returns the default of QorHotKeyIcon, CML_QOR_HOT_KEY_ICON_DEFAULT. */
 int32_t DAL_CML_getQorHotKeyIconDefault(void);
+/** Removes the stored QorHotKeyIcon: CML_QOR_HOT_KEY_ICON_DEFAULT holds again. */
 int32_t DAL_CML_deleteQorHotKeyIcon(void);
+/** Removes the stored QorHotKeyIcon of all profile numbers. */
 int32_t DAL_CML_deleteAllQorHotKeyIcon(void);
+/** Returns 1 if QorHotKeyIcon is stored, 0 if not. */
 int32_t DAL_CML_isQorHotKeyIconPresent(void);
+/** @} */
 
-/*
- * ---- Lists ----
- *
+/** @file
+ * @par Lists
  * A list is a map from node ids to one value each. A node id is a text of the caller's choice,
  * never null. For a list's item setting S the family is that of above with the node id in front
  * (but for getSDefault, since all nodes have one default); deleteAllS removes the item of that one
@@ -533,87 +867,150 @@ int32_t DAL_CML_isQorHotKeyIconPresent(void);
  *                           malloc; the caller frees each id and then the array. Null on a failure.
  */
 
-/*
- * Destinations hidden in the browser. Integer for each node, default 1; list
- * "browser_destination_hide_list".
+/** @{ @name BrowserDestinationHideItem */
+/**
+ * Delivers whether a destination is hidden in the browser, by its node; no number has a meaning
+ * here. Integer, default 1, profiled; list "browser_destination_hide_list".
  */
 int32_t DAL_CML_getBrowserDestinationHideItem(const char* nodeId, int32_t* value);
+/** Stores whether a destination is hidden in the browser, and its node if that is new. */
 int32_t DAL_CML_setBrowserDestinationHideItem(const char* nodeId, int32_t value);
+/** Returns the default of BrowserDestinationHideItem, 1. */
 int32_t DAL_CML_getBrowserDestinationHideItemDefault(void);
+/** Removes the BrowserDestinationHideItem of a node. */
 int32_t DAL_CML_deleteBrowserDestinationHideItem(const char* nodeId);
+/** Removes the BrowserDestinationHideItem of one node under all profile numbers. */
 int32_t DAL_CML_deleteAllBrowserDestinationHideItem(const char* nodeId);
+/** Returns 1 if the BrowserDestinationHideItem of a node is stored, 0 if not. */
 int32_t DAL_CML_isBrowserDestinationHideItemPresent(const char* nodeId);
+/** Removes a node of "browser_destination_hide_list" with its BrowserDestinationHideItem. */
 int32_t DAL_CML_deleteBrowserDestinationHideListNode(const char* nodeId);
+/** Removes all nodes of "browser_destination_hide_list", under all profile numbers. */
 int32_t DAL_CML_deleteAllBrowserDestinationHideListNodes(void);
+/** Returns 1 if "browser_destination_hide_list" has the node, 0 if not. */
 int32_t DAL_CML_isBrowserDestinationHideListNodePresent(const char* nodeId);
+/** Lists the node ids of "browser_destination_hide_list"; the caller frees each and the array. */
 char** DAL_CML_listBrowserDestinationHideListNodes(void);
+/** @} */
 
-/*
- * Information hidden in the browser. Integer for each node, default 1; list
- * "browser_information_hide_list".
+/** @{ @name BrowserInformationHideItem */
+/**
+ * Delivers whether information is hidden in the browser, by its node; no number has a meaning here.
+ * Integer, default 1, profiled; list "browser_information_hide_list".
  */
 int32_t DAL_CML_getBrowserInformationHideItem(const char* nodeId, int32_t* value);
+/** Stores whether information is hidden in the browser, and its node if that is new. */
 int32_t DAL_CML_setBrowserInformationHideItem(const char* nodeId, int32_t value);
+/** Returns the default of BrowserInformationHideItem, 1. */
 int32_t DAL_CML_getBrowserInformationHideItemDefault(void);
+/** Removes the BrowserInformationHideItem of a node. */
 int32_t DAL_CML_deleteBrowserInformationHideItem(const char* nodeId);
+/** Removes the BrowserInformationHideItem of one node under all profile numbers. */
 int32_t DAL_CML_deleteAllBrowserInformationHideItem(const char* nodeId);
+/** Returns 1 if the BrowserInformationHideItem of a node is stored, 0 if not. */
 int32_t DAL_CML_isBrowserInformationHideItemPresent(const char* nodeId);
+/** Removes a node of "browser_information_hide_list" with its BrowserInformationHideItem. */
 int32_t DAL_CML_deleteBrowserInformationHideListNode(const char* nodeId);
+/** Removes all nodes of "browser_information_hide_list", under all profile numbers. */
 int32_t DAL_CML_deleteAllBrowserInformationHideListNodes(void);
+/** Returns 1 if "browser_information_hide_list" has the node, 0 if not. */
 int32_t DAL_CML_isBrowserInformationHideListNodePresent(const char* nodeId);
+/** Lists the node ids of "browser_information_hide_list"; the caller frees each and the array. */
 char** DAL_CML_listBrowserInformationHideListNodes(void);
+/** @} */
 
-/*
- * Icons of the home screen. String for each node, default the empty string; list
- * "home_screen_icons".
+/** @{ @name HomeScreenIcon */
+/**
+ * Delivers an icon of the home screen, by its node. String, default the empty string, profiled;
+ * list "home_screen_icons".
  */
 int32_t DAL_CML_getHomeScreenIcon(const char* nodeId, char* buffer, uint32_t* valueInfo,
                                   size_t size);
+/** Delivers the stored HomeScreenIcon of a node in a block from malloc; null if there is none. */
 int32_t DAL_CML_getHomeScreenIconMalloc(const char* nodeId, char** value, uint32_t* valueInfo);
+/** Stores an icon of the home screen, and its node if that is new. */
 int32_t DAL_CML_setHomeScreenIcon(const char* nodeId, const char* value);
+/** Returns the default of HomeScreenIcon, the empty string. */
 const char* DAL_CML_getHomeScreenIconDefault(void);
+/** Removes the HomeScreenIcon of a node. */
 int32_t DAL_CML_deleteHomeScreenIcon(const char* nodeId);
+/** Removes the HomeScreenIcon of one node under all profile numbers. */
 int32_t DAL_CML_deleteAllHomeScreenIcon(const char* nodeId);
+/** Returns 1 if the HomeScreenIcon of a node is stored, 0 if not. */
 int32_t DAL_CML_isHomeScreenIconPresent(const char* nodeId);
+/** Removes a node of "home_screen_icons" with its HomeScreenIcon. */
 int32_t DAL_CML_deleteHomeScreenIconsNode(const char* nodeId);
+/** Removes all nodes of "home_screen_icons", under all profile numbers. */
 int32_t DAL_CML_deleteAllHomeScreenIconsNodes(void);
+/** Returns 1 if "home_screen_icons" has the node, 0 if not. */
 int32_t DAL_CML_isHomeScreenIconsNodePresent(const char* nodeId);
+/** Lists the node ids of "home_screen_icons"; the caller frees each and the array. */
 char** DAL_CML_listHomeScreenIconsNodes(void);
+/** @} */
 
-/*
- * Hot keys to select from. String for each node, default the empty string; list
+/** @{ @name QorHotKeySelectListItem */
+/**
+ * Delivers a hot key to select from, by its node. String, default the empty string, profiled; list
  * "qor_hot_key_select_list".
  */
 int32_t DAL_CML_getQorHotKeySelectListItem(const char* nodeId, char* buffer, uint32_t* valueInfo,
                                            size_t size);
+/**
+ * Delivers the stored QorHotKeySelectListItem of a node in a block from malloc; null if there is
+ * none.
+ */
 int32_t DAL_CML_getQorHotKeySelectListItemMalloc(const char* nodeId, char** value,
                                                  uint32_t* valueInfo);
+/** Stores a hot key to select from, and its node if that is new. */
 int32_t DAL_CML_setQorHotKeySelectListItem(const char* nodeId, const char* value);
+/** Returns the default of QorHotKeySelectListItem, the empty string. */
 const char* DAL_CML_getQorHotKeySelectListItemDefault(void);
+/** Removes the QorHotKeySelectListItem of a node. */
 int32_t DAL_CML_deleteQorHotKeySelectListItem(const char* nodeId);
+/** Removes the QorHotKeySelectListItem of one node under all profile numbers. */
 int32_t DAL_CML_deleteAllQorHotKeySelectListItem(const char* nodeId);
+/** Returns 1 if the QorHotKeySelectListItem of a node is stored, 0 if not. */
 int32_t DAL_CML_isQorHotKeySelectListItemPresent(const char* nodeId);
+/** Removes a node of "qor_hot_key_select_list" with its QorHotKeySelectListItem. */
 int32_t DAL_CML_deleteQorHotKeySelectListNode(const char* nodeId);
+/** Removes all nodes of "qor_hot_key_select_list", under all profile numbers. */
 int32_t DAL_CML_deleteAllQorHotKeySelectListNodes(void);
+/** Returns 1 if "qor_hot_key_select_list" has the node, 0 if not. */
 int32_t DAL_CML_isQorHotKeySelectListNodePresent(const char* nodeId);
+/** Lists the node ids of "qor_hot_key_select_list"; the caller frees each and the array. */
 char** DAL_CML_listQorHotKeySelectListNodes(void);
+/** @} */
 
-/*
- * Favourites of the icons menu. String for each node, default the empty string; list
- * "icons_menu_favourites".
+/** @{ @name IconsMenuFavourite */
+/**
+ * Delivers a favourite of the icons menu, by its node. String, default the empty string, profiled;
+ * list "icons_menu_favourites".
  */
 int32_t DAL_CML_getIconsMenuFavourite(const char* nodeId, char* buffer, uint32_t* valueInfo,
                                       size_t size);
+/**
+ * Delivers the stored IconsMenuFavourite of a node in a block from malloc; null if there is none.
+ */
 int32_t DAL_CML_getIconsMenuFavouriteMalloc(const char* nodeId, char** value, uint32_t* valueInfo);
+/** Stores a favourite of the icons menu, and its node if that is new. */
 int32_t DAL_CML_setIconsMenuFavourite(const char* nodeId, const char* value);
+/** Returns the default of IconsMenuFavourite, the empty string. */
 const char* DAL_CML_getIconsMenuFavouriteDefault(void);
+/** Removes the IconsMenuFavourite of a node. */
 int32_t DAL_CML_deleteIconsMenuFavourite(const char* nodeId);
+/** Removes the IconsMenuFavourite of one node under all profile numbers. */
 int32_t DAL_CML_deleteAllIconsMenuFavourite(const char* nodeId);
+/** Returns 1 if the IconsMenuFavourite of a node is stored, 0 if not. */
 int32_t DAL_CML_isIconsMenuFavouritePresent(const char* nodeId);
+/** Removes a node of "icons_menu_favourites" with its IconsMenuFavourite. */
 int32_t DAL_CML_deleteIconsMenuFavouritesNode(const char* nodeId);
+/** Removes all nodes of "icons_menu_favourites", under all profile numbers. */
 int32_t DAL_CML_deleteAllIconsMenuFavouritesNodes(void);
+/** Returns 1 if "icons_menu_favourites" has the node, 0 if not. */
 int32_t DAL_CML_isIconsMenuFavouritesNodePresent(const char* nodeId);
+/** Lists the node ids of "icons_menu_favourites"; the caller frees each and the array. */
 char** DAL_CML_listIconsMenuFavouritesNodes(void);
+/** @} */
 
 #pragma GCC visibility pop
 #ifdef __cplusplus

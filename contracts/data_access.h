@@ -1,39 +1,32 @@
 /*
  * Contract of libm7-data-access-library.so.0: typed items on a SQLite connection.
  *
- * On the console this is a closed library. The one built here keeps every item as text in the
- * tables that the settings store makes, and integers and truth values as decimal text.
+ * On the console this is a closed library. Here stands what the settings count on, whichever
+ * library the loader finds; what the one in stand-ins/data-access does beyond it is told there.
  *
  * Connection. Every function takes the sqlite3* first. Null is answered with a failure and has no
- * other effect, except that a getter delivers its default. What is prepared for a connection is
- * released when the connection is closed.
+ * other effect, except that a getter delivers its default.
  *
- * Key path. Which item is meant is told by a KeyPath, in one of four shapes; anything else is
- * refused with SQLITE_MISUSE:
+ * Key path. Which item is meant is told by a KeyPath, in one of four shapes:
  *
  *     ("dal_key", key)                     a plain item, in the flat key table
  *     (list, node id), ("dal_key", key)    an item of one node of a list
  *     (list, node id)                      a node of a list
  *     (list, null)                         all nodes of a list
  *
- * Path and strings are the caller's and are not kept.
+ * Path and strings are the caller's; no pointer to them is kept.
  *
- * Profile number. 0 or above for one profile; DAL_ALL_PROFILES in the two deletes that take it. An
- * unprofiled item is held under a profile number of its own (the empty text), so that it is one
- * row, and DAL_deleteProfiledItem with DAL_ALL_PROFILES reaches it.
+ * Tables. A list has a table of nodes, tbl_LIST (c_LIST, c_dal_profile_no), and one of items,
+ * tbl_LIST_dal_key_dal_value (c_LIST, c_dal_key, c_dal_profile_no, c_dal_value), which the settings
+ * make; all columns are text. The items of a node go with it by a foreign key. The flat key table
+ * is the library's own.
  *
- * Results. 0 is success; a failure is SQLite's primary result code (SQLITE_BUSY, SQLITE_FULL ...),
- * or SQLITE_MISUSE for bad arguments, SQLITE_RANGE for a value outside its limits, SQLITE_NOTFOUND
- * for an absent item where no default is given, SQLITE_NOMEM. The presence functions answer 1 or 0,
- * and 0 when they can't tell.
+ * Profile number. 0 is the one that the settings address, DAL_ALL_PROFILES means all. An unprofiled
+ * item is one row as well, and DAL_deleteProfiledItem with DAL_ALL_PROFILES reaches it.
  *
- * Durability. A setter or delete that returned 0 is on the disk. An operation of several rows is
- * done as a whole or not at all. Inside a transaction that the caller has open, both hold from its
- * end on. Another process that is writing is waited for, 10 seconds at most.
+ * Results. 0 is success, anything else a failure; no other number has a meaning here.
  *
- * Threads. Every function may be called from any thread, on one shared connection too. A
- * transaction that DAL_ExecuteQuery has begun belongs to the calling thread: the others wait until
- * that thread has ended it through DAL_ExecuteQuery.
+ * Threads. All functions run on the caller's thread, on any of them, on one shared connection too.
  */
 #ifndef M7_CONTRACTS_DATA_ACCESS_H
 #define M7_CONTRACTS_DATA_ACCESS_H
@@ -59,28 +52,24 @@ typedef struct KeyPath {
 
 #define DAL_ALL_PROFILES (-1)
 
-/*
- * Prepares a new connection; call it before any other statement. Turns on foreign keys, the
- * write-ahead journal and full synchronisation.
- */
+/* Prepares a new connection, before any other statement. Foreign keys are enforced afterwards. */
 int32_t DAL_SetDBConfiguration(sqlite3* connection);
 
 /* Makes the flat key table. A table that is there stays as it is, with its rows. */
 int32_t DAL_CreateFlatKeyTable(sqlite3* connection);
 
-/* Removes all items of the flat key table, within the caller's transaction if one is open. */
+/*
+ * Removes all items of the flat key table, within the caller's transaction if one is open. The
+ * table takes new items straight afterwards.
+ */
 int32_t DAL_DeleteFlatKeyTable(sqlite3* connection);
 
-/*
- * Executes one statement. A COMMIT that fails rolls its transaction back, so that what follows is
- * not swallowed by a transaction that nobody will end.
- */
+/* Executes one statement: a CREATE TABLE, BEGIN TRANSACTION, DELETE FROM or COMMIT. */
 int32_t DAL_ExecuteQuery(sqlite3* connection, const char* sql);
 
 /*
- * Getters. They deliver on every path, a failure included: the stored value, or else defaultValue.
- * An absent item is a success, and so is a stored text that is no 32-bit integer: both give the
- * default. A null value or buffer receives nothing.
+ * Getters. They deliver on every path, a failure included: the stored value, or else defaultValue,
+ * of which an absent item isn't told apart.
  */
 int32_t DAL_getTypeBOOL(sqlite3* connection, const KeyPath* key, BOOL* value, BOOL defaultValue);
 int32_t DAL_getProfiledTypeBOOL(sqlite3* connection, const KeyPath* key, BOOL* value,
@@ -91,10 +80,8 @@ int32_t DAL_getProfiledTypeInt(sqlite3* connection, const KeyPath* key, int32_t*
                                int32_t defaultValue, int32_t profileNo);
 
 /*
- * String getters. buffer receives at most size bytes, the terminator included; a longer text is
- * cut. valueInfo may be null; otherwise it receives the length in bytes, without terminator, of the
- * whole text (the default's where that is delivered), so that a cut shows as a length of size or
- * above.
+ * String getters. buffer receives at most size bytes, the terminator included, which is always
+ * there. valueInfo is a word of the caller's, for the library's own use.
  */
 int32_t DAL_getTypeString(sqlite3* connection, const KeyPath* key, char* buffer,
                           uint32_t* valueInfo, size_t size, const char* defaultValue);
@@ -103,9 +90,8 @@ int32_t DAL_getProfiledTypeString(sqlite3* connection, const KeyPath* key, char*
                                   int32_t profileNo);
 
 /*
- * Allocating string getters. *value receives the whole text in a block from malloc, which the
- * caller frees, or null on a failure; an absent item is a failure (SQLITE_NOTFOUND). valueInfo may
- * be null; otherwise it receives the length in bytes without terminator, 0 on a failure.
+ * Allocating string getters. *value receives the stored text in a block from malloc, which the
+ * caller frees. There is no default.
  */
 int32_t DAL_getTypeStringMalloc(sqlite3* connection, const KeyPath* key, char** value,
                                 uint32_t* valueInfo);
@@ -114,7 +100,7 @@ int32_t DAL_getProfiledTypeStringMalloc(sqlite3* connection, const KeyPath* key,
 
 /*
  * Setters. They store value in place of an earlier one; an item of a list brings its node into
- * being. minimum and maximum are inclusive, and a value outside is refused. extra is 0.
+ * being. value lies within minimum and maximum, and extra is 0.
  */
 int32_t DAL_setTypeBOOLLimits(sqlite3* connection, const KeyPath* key, BOOL value, uint32_t extra,
                               int32_t minimum, int32_t maximum);
@@ -131,30 +117,25 @@ int32_t DAL_setTypeString(sqlite3* connection, const KeyPath* key, const char* v
 int32_t DAL_setProfiledTypeString(sqlite3* connection, const KeyPath* key, const char* value,
                                   uint32_t extra, int32_t profileNo);
 
-/* Deletes one item; one that is absent is a success. The node of a list's item stays. */
+/* Delete one item. */
 int32_t DAL_deleteItem(sqlite3* connection, const KeyPath* key);
 
-/* The same under one profile number, or with DAL_ALL_PROFILES under all, unprofiled included. */
+/* Under profile number 0, or with DAL_ALL_PROFILES under all, unprofiled included. */
 int32_t DAL_deleteProfiledItem(sqlite3* connection, const KeyPath* key, int32_t profileNo);
 
-/* 1 if the item is stored, 0 if not. */
+/* Not 0 if the item is stored, 0 if not; a default doesn't count. */
 int32_t DAL_isPresent(sqlite3* connection, const KeyPath* key);
 int32_t DAL_isProfiledPresent(sqlite3* connection, const KeyPath* key, int32_t profileNo);
 
-/*
- * Deletes a node with its items under profileNo, or with DAL_ALL_PROFILES under all profile
- * numbers. All nodes of a list go only with DAL_ALL_PROFILES: a null node id beside a single
- * profile number is a mistake that must not cost the list, and is refused.
- */
+/* Deletes nodes with their items: one under profile number 0, or a whole list under all. */
 int32_t DAL_deleteProfiledNodeItem(sqlite3* connection, const KeyPath* key, int32_t profileNo);
 
-/* 1 if the list has the node, 0 if not. */
+/* Not 0 if the list has the node, 0 if not. */
 int32_t DAL_isProfiledNodePresent(sqlite3* connection, const KeyPath* key, int32_t profileNo);
 
 /*
- * The node ids of a list in ascending strcmp order, as an array that a null pointer ends; for an
- * empty list it holds only that. Array and ids are blocks from malloc, and the caller frees every
- * id and then the array. Null on a failure. listName repeats the name in key.
+ * The node ids of a list, in the library's own form, which goes to the caller untouched. listName
+ * repeats the name in key.
  */
 char** DAL_listProfiledNodeItems(sqlite3* connection, const KeyPath* key, const char* listName,
                                  int32_t profileNo);

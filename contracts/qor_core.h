@@ -1,7 +1,7 @@
 /*
  * Contract of libqor-core.so.2: prints a message on behalf of a logger.
  *
- * On the console this is a closed library. The one built here writes one line to stderr.
+ * On the console this is a closed library.
  */
 #ifndef M7_CONTRACTS_QOR_CORE_H
 #define M7_CONTRACTS_QOR_CORE_H
@@ -15,10 +15,9 @@ extern "C" {
 #endif
 
 /*
- * Prints one message. logger may be null: the message is printed all the same. level is the
- * severity (2 for a failed database); the four zeros are the real library's own and mean nothing
- * here. format and arguments are those of vprintf; the caller keeps arguments and ends it with
- * va_end. A line break is added. Any thread may call it; lines of several threads don't mix.
+ * Prints one message. logger may be null: the message is printed all the same. level is 2 for a
+ * database that can't be used; the four zeros mean nothing to its callers. format and arguments are
+ * those of vprintf; the caller ends arguments with va_end. Any thread may call it.
  */
 void qor_logger_print3(TDL_LoggerRecord* logger, int level, int zero1, int zero2, int zero3,
                        int zero4, const char* format, va_list arguments)

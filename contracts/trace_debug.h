@@ -1,8 +1,7 @@
 /*
  * Contract of libm7-trace-debug.so.0: hands out the process's logger record.
  *
- * On the console this is a closed library. The one built here keeps a single record, with messages
- * enabled, and leaves it to its user to change the flags.
+ * On the console this is a closed library.
  */
 #ifndef M7_CONTRACTS_TRACE_DEBUG_H
 #define M7_CONTRACTS_TRACE_DEBUG_H
@@ -18,12 +17,12 @@ extern "C" {
 
 typedef struct TDL_LoggerRecord {
     uint32_t reserved;
-    uint32_t flags; /* TDL_FLAG_...; change it from one thread, before others log */
+    uint32_t flags; /* TDL_FLAG_... */
 } TDL_LoggerRecord;
 
 /*
- * The logger record of the process, good until the process ends; the library owns it. The real
- * library answers null when logging isn't set up; callers must take that. Any thread may call it.
+ * The logger record of the process, which the library owns; null when logging isn't set up. Any
+ * thread may call it.
  */
 TDL_LoggerRecord* TDL_logger(void);
 

@@ -4,6 +4,8 @@
 
 namespace {
 
+constexpr std::string_view kKeyLevel = "dal_key";
+
 // A list's name becomes part of table and column names.
 bool isListName(std::string_view name) {
     return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
@@ -17,26 +19,26 @@ std::optional<Address> parse(const KeyPath* path) {
     if (path == nullptr || path->slots[0].name == nullptr) {
         return std::nullopt;
     }
-    constexpr std::string_view kKeyLevel = "dal_key";
-    Address address;
     const KeyPathSlot* slot = path->slots;
+    Address address{Shape::kPlainItem, {}, nullptr, nullptr};
     if (slot->name != kKeyLevel) {
         if (!isListName(slot->name)) {
             return std::nullopt;
         }
         address.list = slot->name;
         address.node = slot->value;
+        address.shape = slot->value == nullptr ? Shape::kWholeList : Shape::kNode;
         ++slot;
     }
-    if (slot->name != nullptr) {
-        if (slot->name != kKeyLevel || slot->value == nullptr) {
-            return std::nullopt;
-        }
-        address.key = slot->value;
-        ++slot;
+    if (slot->name == nullptr) {
+        return address;
     }
-    if (slot->name != nullptr) {
+    const bool itemOfWholeList = address.shape == Shape::kWholeList;
+    if (slot->name != kKeyLevel || slot->value == nullptr || slot[1].name != nullptr ||
+        itemOfWholeList) {
         return std::nullopt;
     }
+    address.key = slot->value;
+    address.shape = address.list.empty() ? Shape::kPlainItem : Shape::kListItem;
     return address;
 }

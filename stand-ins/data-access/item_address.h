@@ -38,15 +38,16 @@ class Profile {
     State state = State::kOne;
 };
 
+enum class Shape { kPlainItem, kListItem, kNode, kWholeList };
+
 // A key path in a form that has been checked.
 struct Address {
-    std::string_view list;  // empty for the flat key table
+    Shape shape;
+    std::string_view list;  // empty for a plain item
     const char* node = nullptr;
     const char* key = nullptr;
 
-    bool isItem() const { return key != nullptr && (list.empty() || node != nullptr); }
-    bool isNode() const { return !list.empty() && key == nullptr && node != nullptr; }
-    bool isWholeList() const { return !list.empty() && key == nullptr && node == nullptr; }
+    bool isItem() const { return shape == Shape::kPlainItem || shape == Shape::kListItem; }
 };
 
 // Nothing for a path of no known shape. The address points into the path's strings.

@@ -7,12 +7,9 @@
 #include <memory>
 
 #include "console-manager/network.h"
+#include "system/deleted_by.h"
 
 namespace {
-
-struct FreeAddresses {
-    void operator()(ifaddrs* list) const { freeifaddrs(list); }
-};
 
 using Choose = const sockaddr* (*)(const ifaddrs&);
 
@@ -39,7 +36,7 @@ void writeAddress(const char* port, int family, Choose choose, char* text, sockl
     if (getifaddrs(&first) == -1) {
         return;
     }
-    const std::unique_ptr<ifaddrs, FreeAddresses> list(first);
+    const std::unique_ptr<ifaddrs, DeletedBy<freeifaddrs>> list(first);
     for (const ifaddrs* entry = first; entry != nullptr; entry = entry->ifa_next) {
         if (entry->ifa_addr == nullptr || entry->ifa_addr->sa_family != family ||
             choose(*entry) == nullptr || std::strcmp(entry->ifa_name, port) != 0) {

@@ -10,13 +10,11 @@
 
 #include "console-manager/network.h"
 #include "network/port_flags.h"
+#include "system/deleted_by.h"
 
 namespace {
 
-struct Free {
-    void operator()(void* block) const { std::free(block); }
-};
-using Name = std::unique_ptr<char, Free>;
+using Name = std::unique_ptr<char, DeletedBy<std::free>>;
 
 // Every entry counts, whatever its kind. Throws std::filesystem::filesystem_error.
 std::vector<Name> readNames(bool onlyActive) {

@@ -1,10 +1,10 @@
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "console-manager/device.h"
+#include "system/text_fields.h"
 #include "system/text_file.h"
 
 namespace {
@@ -24,19 +24,16 @@ struct CpuTimes {
 std::vector<CpuTimes> readCpuTimes() {
     std::vector<CpuTimes> reading;
     const std::string text = readText("/proc/stat");
-    std::istringstream fields;
-    fields.imbue(std::locale::classic());
-    // An extraction that runs out of memory must not count as a 0.
-    fields.exceptions(std::ios::badbit);
     for (std::string_view rest = text; !rest.empty();) {
         std::string_view line = takeLine(rest);
-        if (!takeWord(line).starts_with("cpu")) {
-            continue;
+        if (takeWord(line).starts_with("cpu")) {
+            CpuTimes& times = reading.emplace_back();
+            for (double* const ticks : {&times.user, &times.nice, &times.system, &times.idle}) {
+                if (!takeNumber(line, *ticks)) {
+                    break;
+                }
+            }
         }
-        fields.clear();
-        fields.str(std::string(line));
-        CpuTimes& times = reading.emplace_back();
-        fields >> times.user >> times.nice >> times.system >> times.idle;
     }
     return reading;
 }

@@ -1,27 +1,20 @@
-#include <sstream>
 #include <string>
 #include <string_view>
 
 #include "console-manager/device.h"
+#include "system/text_fields.h"
 #include "system/text_file.h"
 
 int32_t CML_getMemoryInformation(int32_t* memTotal, int32_t* memFree) {
     const std::string text = readText("/proc/meminfo");
-    std::istringstream field;
-    field.imbue(std::locale::classic());
     for (std::string_view rest = text; !rest.empty();) {
         std::string_view line = takeLine(rest);
         const std::string_view label = takeWord(line);
         int32_t* const value = label == "MemTotal:"  ? memTotal
                                : label == "MemFree:" ? memFree
                                                      : nullptr;
-        if (value == nullptr) {
-            continue;
-        }
-        field.clear();
-        field.str(std::string(line));
         int32_t number;
-        if (field >> number) {
+        if (value != nullptr && takeNumber(line, number)) {
             *value = number;
         }
     }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "console-manager/device.h"
+#include "system/text_fields.h"
 #include "system/text_file.h"
 
 std::map<std::string, std::string> os_release;

@@ -1,11 +1,12 @@
 #include <net/if.h>
 
+#include <algorithm>
 #include <cstddef>
-#include <fstream>
 #include <string>
 
 #include "console-manager/network.h"
 #include "network/port_flags.h"
+#include "system/text_file.h"
 
 static_assert(sizeof(CML_NetworkPortStatus) == 8 && offsetof(CML_NetworkPortStatus, up) == 0 &&
               offsetof(CML_NetworkPortStatus, running) == 4);
@@ -24,7 +25,7 @@ int32_t CML_getNetworkPortStatus(const char* port, CML_NetworkPortStatus* status
 const char* CML_getNetworkPortMACAddress(const char* port) {
     static std::string address;
     address.clear();
-    std::ifstream file("/sys/class/net/" + std::string(port) + "/address");
-    std::getline(file, address);
+    address = readText(("/sys/class/net/" + std::string(port) + "/address").c_str());
+    address.erase(std::min(address.find('\n'), address.size()));
     return address.c_str();
 }

@@ -1,20 +1,22 @@
 #include <exception>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
+#include <string_view>
 
 #include "console-manager/network.h"
+#include "system/text_fields.h"
+#include "system/text_file.h"
 
 namespace {
 
 // A counter that isn't there, is no number or doesn't fit leaves *bytes as it is.
-void readCounter(const std::filesystem::path& statistics, const char* name, int32_t* bytes) {
+void readCounter(const std::string& statistics, const char* name, int32_t* bytes) {
     try {
-        std::ifstream stream(statistics / name);
-        std::stringstream content;
-        content << stream.rdbuf();
-        *bytes = std::stoi(content.str());
+        const std::string text = readText((statistics + name).c_str());
+        std::string_view rest = text;
+        int32_t number;
+        if (takeNumber(rest, number)) {
+            *bytes = number;
+        }
     } catch (const std::exception&) {
         return;
     }
@@ -25,9 +27,9 @@ void readCounter(const std::filesystem::path& statistics, const char* name, int3
 void CML_getNetworkPortInfo(const char* port, int32_t* rxBytes, int32_t* txBytes) {
     *rxBytes = 0;
     *txBytes = 0;
-    std::filesystem::path statistics = "/sys/class/net/";
-    statistics /= port;
-    statistics /= "statistics";
+    // A port that is an absolute path stands for its own folder.
+    std::string statistics = *port == '/' ? "" : "/sys/class/net/";
+    statistics.append(port).append("/statistics/");
     readCounter(statistics, "rx_bytes", rxBytes);
     readCounter(statistics, "tx_bytes", txBytes);
 }

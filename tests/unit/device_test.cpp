@@ -1,5 +1,6 @@
 #include "console-manager/device.h"
 
+#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -74,11 +75,23 @@ TEST_F(Device, TakesStorageFromTheFirstDeviceWithTwoNumbers) {
         {"tmpfs 1 2\n/dev 3 4\nx/dev/a 7 8\n", {0, 0}},
         {"/dev/a 5\n/dev/b 4294967296 7\n", {4294967295, 0}},
         {"/dev/" + std::string(300, 'x') + " 1000 250\n", {1000, 250}},
+        {"/dev/a -2 +x\r\n/dev/b \n/dev/c", {4294967294, 0}},
     };
     for (const auto& [output, expected] : cases) {
         putProgram("df", "test \"$*\" = '-k /mnt/vex-data' && printf '" + output + "'; exit 1");
         EXPECT_EQ(both(CML_getStorageInfo), expected) << output;
     }
+    // A signal that interrupts the reading in the middle of a number.
+    struct sigaction interrupting {};
+    interrupting.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &interrupting, nullptr);
+    const std::string id = std::to_string(getpid());
+    const auto wait = [&](const std::string& line) {
+        return "until grep -q '" + line + "' /proc/" + id + "/status; do :; done; ";
+    };
+    putProgram("df", "printf '/dev/a 10'; " + wait("^State:.S") + "kill -USR1 " + id + "; " +
+                         wait("^ShdPnd:.0*$") + "echo 00 250");
+    EXPECT_EQ(both(CML_getStorageInfo), std::pair(1000u, 250u));
 }
 
 TEST_F(Device, TakesMemoryAndUpTimeFromTheirFiles) {
@@ -86,6 +99,7 @@ TEST_F(Device, TakesMemoryAndUpTimeFromTheirFiles) {
         {"A: 1\n\nMemFree:\t512\nMemAvailable: 3 kB\n  MemTotal:   2048", {2048, 512}},
         {"MemTotal 1\nMemFree:x 2\nMemTotal:3\nmemtotal: 4\nXMemFree: 5\n", {7, 8}},
         {"MemTotal: 2147483647\nMemFree: 2147483648\n", {2147483647, 8}},
+        {"MemTotal:\v+12kB\r\nMemFree: -2147483648\r\nMemTotal: +-1\n", {12, INT32_MIN}},
     };
     for (const auto& [content, expected] : cases) {
         bindFile("/proc/meminfo", content);
@@ -102,7 +116,7 @@ TEST_F(Device, ComparesEachProcessorReadingWithTheOneBefore) {
         {"cpu 151 0 100 951\ncpu0 1 2 1 10\ncpu1 1 2 4 1", {0.5, 0.5, 0.5}},
         // One core fewer: the figures stay for one call.
         {"cpu 152 0 100 951\ncpu1 1 2 4 1\n", {0.5, 0.5, 0.5}},
-        {"\n cpu 152 0 100.5 952.5\nno cpu 5\ncpux 2 2 4 2\n", {0.25, 0.5}},
+        {"\n cpu +1.52e2 0 100.5 9525.e-1x\nno cpu 5\ncpux 2 2 4 2\n", {0.25, 0.5}},
         // No reading, and then none to compare with.
         {"intr 1 2 3 4\n", {0.25, 0.5}},
         {"cpu 10 10 10 10\ncpu0 0 0 0 0\n", {0.25, 0.5}},

@@ -1,14 +1,19 @@
-# Debian packages that the project needs, and how to get them; read by the scripts in the root.
+# Debian packages that the project needs, and how to get them; read by the scripts.
 # shellcheck shell=sh disable=SC2034
 
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libsqlite3-dev libmnl-dev"
-TEST_PACKAGES="$BUILD_PACKAGES libgtest-dev clang libclang-rt-dev clang-format clang-tidy \
-    valgrind iproute2 iputils-ping procps dpkg-dev doxygen"
-BOARD_PACKAGES="g++ g++-arm-linux-gnueabihf cmake ninja-build pkg-config qemu-system-arm cpio kmod \
-    dpkg-dev"
+PACKAGING_PACKAGES="$BUILD_PACKAGES debhelper dpkg-dev"
+TEST_PACKAGES="$PACKAGING_PACKAGES libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format \
+    clang-tidy valgrind iproute2 iputils-ping procps doxygen lintian"
+BOARD_PACKAGES="$PACKAGING_PACKAGES g++-arm-linux-gnueabihf qemu-system-arm cpio kmod"
 
 AS_ROOT=
 [ "$(id -u)" -eq 0 ] || AS_ROOT=sudo
+
+# Where tests/board/sysroot puts what the console's processor needs.
+board_folder() {
+    echo "${CONSOLE_BOARD_FOLDER:-${XDG_CACHE_HOME:-$HOME/.cache}/console-manager-board}"
+}
 
 # install_packages NAME...: installs what is missing, and says so.
 install_packages() {
@@ -18,7 +23,7 @@ install_packages() {
             missing="$missing $package"
     done
     [ -n "$missing" ] || return 0
-    echo "Installing Debian packages:$missing"
+    echo "Installing Debian packages:$missing" >&2
     # A list that can't be fetched matters only if a package is missing in the end.
     $AS_ROOT apt-get update -qq || echo "Going on with the package lists that there are" >&2
     # shellcheck disable=SC2086

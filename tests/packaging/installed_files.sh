@@ -7,7 +7,7 @@ trap 'rm -rf "$work"' EXIT
 # own_mounts.sh hides a project that lies in /mnt.
 cp -R "$(dirname "$0")" "$work/scripts"
 
-for component in runtime development stand-ins; do
+for component in runtime development stand-ins console-status; do
     cmake --install "$1" --prefix "$work/installed" --component $component
 done
 mv "$work/installed" "$work/moved"

@@ -8,7 +8,7 @@ trap 'rm -rf "$work"' EXIT
 
 {
     cat "$2"
-    echo "OUTPUT_DIRECTORY = $work"
+    echo "OUTPUT_DIRECTORY = \"$work\""
     echo "GENERATE_XML = YES"
 } | "${DOXYGEN:-doxygen}" -
 

@@ -13,7 +13,7 @@ int32_t CML_getMemoryInformation(int32_t* memTotal, int32_t* memFree) {
         int32_t* const value = label == "MemTotal:"  ? memTotal
                                : label == "MemFree:" ? memFree
                                                      : nullptr;
-        int32_t number;
+        int32_t number = 0;
         if (value != nullptr && takeNumber(line, number)) {
             *value = number;
         }

@@ -4,7 +4,8 @@
 #include "console-manager/network.h"
 
 int32_t CML_getHostAvailable(const char* host, int32_t timeout, const char* port) {
-    std::string command = "ping -c1 -w" + std::to_string(timeout);
+    std::string command = "ping -c1 -w";
+    command.append(std::to_string(timeout));
     if (port != nullptr && *port != '\0') {
         command.append(" -I ").append(port);
     }

@@ -20,7 +20,7 @@ using Name = std::unique_ptr<char, DeletedBy<std::free>>;
 std::vector<Name> readNames(bool onlyActive) {
     std::vector<Name> names;
     for (const auto& entry : std::filesystem::directory_iterator("/sys/class/net")) {
-        const std::string name = entry.path().filename();
+        const std::filesystem::path name = entry.path().filename();
         if (onlyActive && CML_checkNetworkPortActive(name.c_str()) == 0) {
             continue;
         }
@@ -33,13 +33,15 @@ std::vector<Name> readNames(bool onlyActive) {
     return names;
 }
 
-// The names as the caller gets them; null if there are none.
+int compareNames(const void* a, const void* b) {
+    return std::strcmp(*static_cast<const char* const*>(a), *static_cast<const char* const*>(b));
+}
+
+// The names in order, as the caller gets them; null if there are none.
 char** toArray(std::vector<Name> names) {
     if (names.empty()) {
         return nullptr;
     }
-    std::sort(names.begin(), names.end(),
-              [](const Name& a, const Name& b) { return std::strcmp(a.get(), b.get()) < 0; });
     auto** const list = static_cast<char**>(std::malloc((names.size() + 1) * sizeof(char*)));
     if (list == nullptr) {
         return nullptr;
@@ -47,6 +49,7 @@ char** toArray(std::vector<Name> names) {
     char** const end =
         std::transform(names.begin(), names.end(), list, [](Name& name) { return name.release(); });
     *end = nullptr;
+    std::qsort(list, names.size(), sizeof *list, compareNames);
     return list;
 }
 

@@ -25,7 +25,9 @@ int32_t CML_getNetworkPortStatus(const char* port, CML_NetworkPortStatus* status
 const char* CML_getNetworkPortMACAddress(const char* port) {
     static std::string address;
     address.clear();
-    address = readText(("/sys/class/net/" + std::string(port) + "/address").c_str());
+    std::string path = "/sys/class/net/";
+    path.append(port).append("/address");
+    address = readText(path.c_str());
     address.erase(std::min(address.find('\n'), address.size()));
     return address.c_str();
 }

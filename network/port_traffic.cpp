@@ -13,7 +13,7 @@ void readCounter(const std::string& statistics, const char* name, int32_t* bytes
     try {
         const std::string text = readText((statistics + name).c_str());
         std::string_view rest = text;
-        int32_t number;
+        int32_t number = 0;
         if (takeNumber(rest, number)) {
             *bytes = number;
         }

@@ -1,7 +1,6 @@
 #include "system/text_fields.h"
 
 #include <algorithm>
-#include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
@@ -14,85 +13,94 @@ bool isBlank(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-void passBlanks(std::string_view& text) {
-    const char* const begin = std::find_if_not(text.begin(), text.end(), isBlank);
-    text.remove_prefix(static_cast<size_t>(begin - text.begin()));
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
 }
 
-template <typename Integer>
-bool takeInteger(std::string_view& text, Integer& number) {
+void passBlanks(std::string_view& text) {
+    while (!text.empty() && isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+}
+
+std::string_view takeFirst(size_t length, std::string_view& text) {
+    const std::string_view first = text.substr(0, length);
+    text.remove_prefix(first.size());
+    return first;
+}
+
+bool takeInteger(std::string_view& text, int64_t minimum, int64_t maximum, int64_t& number) {
     passBlanks(text);
     if (text.empty()) {
         return false;
     }
-    if (text.starts_with('+') && !text.starts_with("+-")) {
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) {
         text.remove_prefix(1);
     }
-    constexpr int64_t kMaximum = std::numeric_limits<Integer>::max();
-    constexpr int64_t kMinimum =
-        std::is_signed_v<Integer> ? int64_t{std::numeric_limits<Integer>::min()} : -kMaximum;
-    const bool negative = text.starts_with('-');
+    const bool hasDigits = !text.empty() && isDigit(text.front());
     int64_t value = 0;
-    const auto [end, error] = std::from_chars(text.begin(), text.end(), value);
-    text.remove_prefix(static_cast<size_t>(end - text.begin()));
-    if (error == std::errc::result_out_of_range || value < kMinimum || value > kMaximum) {
-        number = static_cast<Integer>(negative && std::is_signed_v<Integer> ? kMinimum : kMaximum);
-        return false;
+    for (; !text.empty() && isDigit(text.front()); text.remove_prefix(1)) {
+        // Stays where it is out of range for 32 bits.
+        value = std::min(value * 10 + (text.front() - '0'), int64_t{1} << 32);
     }
-    number = static_cast<Integer>(value);
-    return error == std::errc();
+    value = negative ? -value : value;
+    number = std::clamp(value, minimum, maximum);
+    return hasDigits && number == value;
 }
 
 // What looks like a decimal number, which lacks digits at worst.
-std::string takeDecimal(std::string_view& text) {
+std::string_view takeDecimal(std::string_view& text) {
+    bool digits = false;
+    bool point = false;
+    bool exponent = false;
     size_t length = 0;
-    const auto pass = [&](std::string_view any) {
-        const bool fits = length < text.size() && any.find(text[length]) != std::string_view::npos;
-        length += fits ? 1 : 0;
-        return fits;
-    };
-    const auto passDigits = [&] {
-        const size_t before = length;
-        while (pass("0123456789")) {
+    for (bool mayBeSign = true; length < text.size(); ++length) {
+        const char c = text[length];
+        const bool isPoint = c == '.' && !point && !exponent;
+        const bool isExponent = (c == 'e' || c == 'E') && digits && !exponent;
+        if (!isDigit(c) && !isPoint && !isExponent && !(mayBeSign && (c == '+' || c == '-'))) {
+            break;
         }
-        return length - before;
-    };
-    pass("+-");
-    size_t digits = passDigits();
-    if (pass(".")) {
-        digits += passDigits();
+        digits = digits || isDigit(c);
+        point = point || isPoint;
+        exponent = exponent || isExponent;
+        mayBeSign = isExponent;
     }
-    if (digits > 0 && pass("eE")) {
-        pass("+-");
-        passDigits();
-    }
-    std::string decimal(text.substr(0, length));
-    text.remove_prefix(length);
-    return decimal;
+    return takeFirst(length, text);
 }
 
 }  // namespace
 
 std::string_view takeLine(std::string_view& text) {
-    const std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    const std::string_view line = takeFirst(text.find('\n'), text);
+    takeFirst(1, text);
     return line;
 }
 
 std::string_view takeWord(std::string_view& text) {
     passBlanks(text);
-    const char* const end = std::find_if(text.begin(), text.end(), isBlank);
-    const std::string_view word(text.begin(), end);
-    text.remove_prefix(word.size());
-    return word;
+    size_t length = 0;
+    while (length < text.size() && !isBlank(text[length])) {
+        ++length;
+    }
+    return takeFirst(length, text);
 }
 
 bool takeNumber(std::string_view& text, int32_t& number) {
-    return takeInteger(text, number);
+    int64_t value = number;
+    const bool fits = takeInteger(text, std::numeric_limits<int32_t>::min(),
+                                  std::numeric_limits<int32_t>::max(), value);
+    number = static_cast<int32_t>(value);
+    return fits;
 }
 
 bool takeNumber(std::string_view& text, uint32_t& number) {
-    return takeInteger(text, number);
+    constexpr int64_t kMaximum = std::numeric_limits<uint32_t>::max();
+    int64_t value = number;
+    const bool fits = takeInteger(text, -kMaximum, kMaximum, value);
+    number = static_cast<uint32_t>(fits ? value : std::abs(value));
+    return fits;
 }
 
 bool takeNumber(std::string_view& text, double& number) {
@@ -100,7 +108,7 @@ bool takeNumber(std::string_view& text, double& number) {
     if (text.empty()) {
         return false;
     }
-    const std::string decimal = takeDecimal(text);
+    const std::string decimal(takeDecimal(text));
     // The C library has this locale at hand: it is neither allocated nor to be freed.
     const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
     char* end = nullptr;

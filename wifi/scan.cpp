@@ -1,3 +1,4 @@
+#include <linux/genetlink.h>
 #include <linux/nl80211.h>
 
 #include <cerrno>
@@ -11,19 +12,53 @@
 
 namespace {
 
-// What the notifications of one call have told, whichever interface they were about.
+// What the notifications of one call have told.
 struct wifi_notification_flags {
-    uint32_t new_scan_results;  // a scan has ended, and its results are there
-    uint32_t scan_triggered;    // a scan is running
-    uint32_t scan_aborted;      // a scan was given up
+    uint32_t new_scan_results;  // a scan has ended, of whichever port, and its results are there
+    uint32_t scan_triggered;    // this port's scan is running
+    uint32_t others_triggered;  // how many other ports' scans are
+    uint32_t scan_aborted;      // this port's scan was given up
 };
 
+int takeInterface(const nlattr* attribute, void* index) {
+    if (mnl_attr_get_type(attribute) == NL80211_ATTR_IFINDEX &&
+        mnl_attr_get_payload_len(attribute) == sizeof(uint32_t)) {
+        *static_cast<uint32_t*>(index) = mnl_attr_get_u32(attribute);
+    }
+    return MNL_CB_OK;
+}
+
+// Whether a message is about the channel's port; one that names no port counts as such.
+bool isOwn(const nlmsghdr* message, const wifi_channel& channel) {
+    uint32_t index = channel.interface_index;
+    mnl_attr_parse(message, sizeof(genlmsghdr), takeInterface, &index);
+    return index == channel.interface_index;
+}
+
+void noteTrigger(bool own, wifi_notification_flags& flags) {
+    if (own) {
+        flags.scan_triggered = 1;
+    } else {
+        ++flags.others_triggered;
+    }
+}
+
+void noteAbort(bool own, wifi_notification_flags& flags) {
+    if (own) {
+        flags.scan_triggered = 0;
+        flags.scan_aborted = 1;
+    } else if (flags.others_triggered > 0) {  // else it began before the handle was opened
+        --flags.others_triggered;
+    }
+}
+
 int wifi_on_notification(const nlmsghdr* message, void* data) {
-    auto& flags = *static_cast<wifi_notification_flags*>(static_cast<wifi_channel*>(data)->context);
+    const auto& channel = *static_cast<wifi_channel*>(data);
+    auto& flags = *static_cast<wifi_notification_flags*>(channel.context);
     const uint8_t command = wifi_command_of(message);
     switch (command) {
         case NL80211_CMD_TRIGGER_SCAN:
-            flags.scan_triggered = 1;
+            noteTrigger(isOwn(message, channel), flags);
             return MNL_CB_OK;
         case NL80211_CMD_NEW_SCAN_RESULTS:
             // Only the kernel's own word counts.
@@ -32,8 +67,7 @@ int wifi_on_notification(const nlmsghdr* message, void* data) {
             }
             return MNL_CB_OK;
         case NL80211_CMD_SCAN_ABORTED:
-            flags.scan_triggered = 0;
-            flags.scan_aborted = 1;
+            noteAbort(isOwn(message, channel), flags);
             break;
         default:
             break;
@@ -49,8 +83,9 @@ int readNotifications(wifi_channel& channel, ssize_t received) {
     return wifi_channel_run(channel, static_cast<size_t>(received), 0, 0, wifi_on_notification);
 }
 
-// Reads what has queued up since the last call.
+// Reads what has queued up, without waiting for more.
 void ReadPastNotificationsNonBlocking(wifi_channel& channel) {
+    SetChannelNonBlocking(channel, true);
     for (;;) {
         const ssize_t received = wifi_channel_receive(channel);
         if (received < 0) {
@@ -63,9 +98,10 @@ void ReadPastNotificationsNonBlocking(wifi_channel& channel) {
     if (errno != EAGAIN && errno != EINPROGRESS) {
         wifi_fatal_errno("ReadPastNotificationsNonBlocking mnl_socket_recv failed");
     }
+    SetChannelNonBlocking(channel, false);
 }
 
-// Starts a passive scan of all channels. Returns 0, or -1 if the kernel refuses.
+// Starts a passive scan of all channels. Returns 0, or -1 with errno set if the kernel refuses.
 int triggerScan(wifi_channel& commands) {
     nlmsghdr* const request = wifi_prepare_interface_request(commands, NLM_F_REQUEST | NLM_F_ACK,
                                                              NL80211_CMD_TRIGGER_SCAN);
@@ -73,17 +109,42 @@ int triggerScan(wifi_channel& commands) {
     return wifi_channel_exchange(commands, wifi_on_scan_result);
 }
 
-// Waits for results, however long it takes. Returns false if the scan was given up: no results
-// would come of it.
-bool waitForResults(wifi_channel& notifications, wifi_notification_flags& flags) {
+// Sees to it that this port scans. Returns false if the kernel refuses.
+bool startScan(wifi_data& wifi, wifi_notification_flags& flags) {
+    if (triggerScan(wifi.commands) == 0) {
+        flags.scan_triggered = 1;
+        return true;
+    }
+    if (errno != EBUSY) {
+        return false;
+    }
+    // Somebody else may have started the port's scan since the last look: the kernel has told of
+    // that before it refused.
+    ReadPastNotificationsNonBlocking(wifi.notifications);
+    return flags.scan_triggered != 0 || flags.new_scan_results != 0;
+}
+
+// Reads one datagram of notifications, however long it takes to come.
+void waitForNotification(wifi_channel& notifications) {
+    const ssize_t received = wifi_channel_receive(notifications);
+    if (received <= 0) {
+        wifi_fatal_errno("Waiting for new scan results failed - mnl_socket_recvfrom");
+    }
+    if (readNotifications(notifications, received) <= 0) {
+        wifi_fatal_errno("Processing notificatoins failed - mnl_cb_run");
+    }
+}
+
+// Waits for the results of a scan that is running, of this port or another, and starts one if none
+// is, or if another port's was given up. Returns false if this port's scan was refused or given up:
+// no results would come of it.
+bool waitForResults(wifi_data& wifi, wifi_notification_flags& flags) {
     flags.scan_aborted = 0;
     while (flags.new_scan_results == 0 && flags.scan_aborted == 0) {
-        const ssize_t received = wifi_channel_receive(notifications);
-        if (received <= 0) {
-            wifi_fatal_errno("Waiting for new scan results failed - mnl_socket_recvfrom");
-        }
-        if (readNotifications(notifications, received) <= 0) {
-            wifi_fatal_errno("Processing notificatoins failed - mnl_cb_run");
+        if (flags.scan_triggered != 0 || flags.others_triggered != 0) {
+            waitForNotification(wifi.notifications);
+        } else if (!startScan(wifi, flags)) {
+            return false;
         }
     }
     return flags.new_scan_results != 0;
@@ -97,16 +158,9 @@ int32_t wifi_scan_all(wifi_data* wifi, wifi_bss_record* records, int32_t capacit
     wifi->notifications.context = &flags;
     wifi->commands.context = &results;
 
-    SetChannelNonBlocking(wifi->notifications, true);
-    ReadPastNotificationsNonBlocking(wifi->notifications);
-    SetChannelNonBlocking(wifi->notifications, false);
-
     // A scan that runs, or has ended since the last call, serves as well as one of our own.
-    const bool scanned = flags.new_scan_results != 0 || flags.scan_triggered != 0;
-    if (!scanned && triggerScan(wifi->commands) == -1) {
-        return -1;
-    }
-    if (!waitForResults(wifi->notifications, flags)) {
+    ReadPastNotificationsNonBlocking(wifi->notifications);
+    if (!waitForResults(*wifi, flags)) {
         return -1;
     }
     wifi_dump_scan(wifi->commands);

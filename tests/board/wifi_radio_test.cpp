@@ -1,12 +1,13 @@
 // The Wi-Fi functions against nl80211 with the kernel's simulated radios, beside what `iw` tells of
 // them. Each test loads the radios anew, and so runs on the emulated board only.
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <libmnl/libmnl.h>
-#include <linux/genetlink.h>
 #include <linux/nl80211.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <set>
 #include <sstream>
@@ -15,17 +16,32 @@
 #include "support/sandbox.h"
 #include "wifi/handle.h"
 
-static std::string whenAScanStarts;  // a command, run when the library has read that a scan started
+// Commands, each run once: when the library has found no notification and is about to start a scan,
+// and when it is about to wait for one.
+static std::string beforeItScans;
+static std::string beforeItWaits;
+
+static void runOnce(std::string& command) {
+    const int failure = errno;
+    if (!command.empty()) {
+        EXPECT_EQ(std::system(command.c_str()), 0);
+    }
+    command.clear();
+    errno = failure;
+}
 
 extern "C" ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size) {
     static const auto next =
         reinterpret_cast<decltype(&mnl_socket_recvfrom)>(dlsym(RTLD_NEXT, "mnl_socket_recvfrom"));
+    static const mnl_socket* notifying = nullptr;  // the one that doesn't always wait
+    const bool waits = (fcntl(mnl_socket_get_fd(socket), F_GETFL) & O_NONBLOCK) == 0;
+    if (waits && socket == notifying) {
+        runOnce(beforeItWaits);
+    }
     const ssize_t received = next(socket, buffer, size);
-    const auto* const message =
-        static_cast<genlmsghdr*>(mnl_nlmsg_get_payload(static_cast<nlmsghdr*>(buffer)));
-    if (received > 0 && message->cmd == NL80211_CMD_TRIGGER_SCAN && !whenAScanStarts.empty()) {
-        EXPECT_EQ(std::system(whenAScanStarts.c_str()), 0);
-        whenAScanStarts.clear();
+    if (!waits && received < 0) {
+        notifying = socket;
+        runOnce(beforeItScans);
     }
     return received;
 }
@@ -39,12 +55,12 @@ std::string bssidText(const uint8_t (&bssid)[6]) {
     return text;
 }
 
-// wlan0 is the console's port; wlan1 to wlan3 are access points, the last one without its name in
-// the air.
+// wlan0 is the console's port, and wlan4 another one; wlan1 to wlan3 are access points, the last
+// one without its name in the air.
 class Radios : public Sandbox {
   protected:
     void SetUp() override {
-        run("modprobe mac80211_hwsim radios=4");
+        run("modprobe mac80211_hwsim radios=5");
         std::string files;
         for (const std::string own : {"wlan1\nssid=depot\nchannel=1", "wlan2\nssid=yard\nchannel=6",
                                       "wlan3\nchannel=11\nssid=secret\nignore_broadcast_ssid=1"}) {
@@ -54,7 +70,9 @@ class Radios : public Sandbox {
                       "driver=nl80211\nbeacon_int=25\ninterface=" + own + "\n");
         }
         // It comes back when all access points are on the air.
-        run("hostapd -B -P /tmp/pid" + files + " >/tmp/log && ip link set wlan0 up");
+        run("hostapd -B -P /tmp/pid" + files +
+            " >/tmp/log && ip link set wlan0 up && "
+            "ip link set wlan4 up");
         wifi.reset(wifi_scan_init("wlan0"));
     }
     void TearDown() override {
@@ -165,11 +183,29 @@ TEST_F(Radios, APortWithoutALinkHasNoFigures) {
 }
 
 TEST_F(Radios, APortTakenDownEndsTheScan) {
-    whenAScanStarts = "ip link set wlan0 down";
+    beforeItWaits = "ip link set wlan0 down";
     EXPECT_EQ(wifi_scan_all(wifi.get(), records.data(), 3), -1);
-    EXPECT_EQ(whenAScanStarts, "") << "no scan had started";
+    EXPECT_EQ(beforeItWaits, "") << "no scan had started";
     run("ip link set wlan0 up");
     scan();
+}
+
+TEST_F(Radios, AScanOfAnotherPortThatIsGivenUpDoesNotEndThisOne) {
+    const std::string another = "ip link set wlan4 up && iw dev wlan4 scan trigger",
+                      givenUp = " && ip link set wlan4 down", begun = "iw dev wlan0 scan trigger";
+    const std::array<std::string, 3> situations[] = {
+        {"", "", another + givenUp},                   // in the wait for its own
+        {begun + " && " + another + givenUp, "", ""},  // before the call, beside the port's own
+        {another, "", "true" + givenUp},               // in the wait for that one alone
+        {"", begun, ""},                               // none, but the port's own began meanwhile
+    };
+    for (const auto& [before, beforeScan, beforeWait] : situations) {
+        run(before);
+        beforeItScans = beforeScan;
+        beforeItWaits = beforeWait;
+        scan();
+        EXPECT_EQ(beforeItScans + beforeItWaits, "");
+    }
 }
 
 }  // namespace

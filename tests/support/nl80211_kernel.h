@@ -44,6 +44,12 @@ inline std::string reply(uint8_t command, const std::string& attributes, uint16_
 inline std::string notification(uint8_t command, uint32_t sequence = 0, uint32_t port = 0) {
     return message(kFamily, bytes(genlmsghdr{command, 1, 0}), sequence, port);
 }
+// What the kernel tells of a port's scan.
+inline std::string notificationOf(uint32_t port, uint8_t command) {
+    return message(kFamily,
+                   bytes(genlmsghdr{command, 1, 0}) + attribute(NL80211_ATTR_IFINDEX, u32(port)), 0,
+                   0);
+}
 constexpr auto acknowledgement = [](int error = 0) {
     return message(NLMSG_ERROR, bytes(nlmsgerr{error, {}}));
 };

@@ -20,6 +20,10 @@ const std::string kRefusedSsid =
 const std::string kTriggered = notification(NL80211_CMD_TRIGGER_SCAN);
 const std::string kResults = notification(NL80211_CMD_NEW_SCAN_RESULTS);
 const std::string kAborted = notification(NL80211_CMD_SCAN_ABORTED);
+const std::string kOwnTriggered = notificationOf(7, NL80211_CMD_TRIGGER_SCAN);
+const std::string kOwnAborted = notificationOf(7, NL80211_CMD_SCAN_ABORTED);
+const std::string kOthersTriggered = notificationOf(8, NL80211_CMD_TRIGGER_SCAN);
+const std::string kOthersAborted = notificationOf(8, NL80211_CMD_SCAN_ABORTED);
 const std::string kNoMore = failure(EAGAIN);
 
 const wifi_bss_record kBefore{{9, 9, 9, 9, 9, 9}, 9, "before", 9, 9, 9};
@@ -52,8 +56,9 @@ struct Scan {
     Datagrams dump;
     int32_t capacity;  // of an array with four elements
     int32_t result;
-    const char* sent;  // commands, each with its number
-    std::string left;  // the elements, and the words on stderr
+    const char* sent;                        // commands, each with its number
+    std::string left;                        // the elements, and the words on stderr
+    std::string answer = acknowledgement();  // to a trigger
 };
 
 class Wifi : public testing::Test {
@@ -75,6 +80,7 @@ class Wifi : public testing::Test {
             open();
             kernel.notifications = c.past;
             kernel.later = c.later;
+            kernel.on[NL80211_CMD_TRIGGER_SCAN] = {c.answer};
             kernel.on[NL80211_CMD_GET_SCAN] = c.dump;
             wifi_bss_record records[4] = {kBefore, kBefore, kBefore, kBefore};
             testing::internal::CaptureStderr();
@@ -205,6 +211,7 @@ TEST_F(Wifi, NotificationsDecideWhetherToScan) {
                                notification(NL80211_CMD_NEW_SCAN_RESULTS, 5, 0);
     const std::string othersTrigger = notification(NL80211_CMD_TRIGGER_SCAN, 5, 5);
     const Datagrams ended = {kResults}, none = {done()};
+    const std::string busy = acknowledgement(-EBUSY);
     const char *const both = "33/1 32/2 ", *const noTrigger = "32/1 ";
     // clang-format off
     const Scan cases[] = {
@@ -221,17 +228,22 @@ TEST_F(Wifi, NotificationsDecideWhetherToScan) {
         {"another runs", {kAborted, kTriggered, kNoMore, kResults}, {}, none, 3, 0, noTrigger, line + "35\n"},
         {"given up after results", {kResults, kAborted}, {}, none, 3, 0, noTrigger, line + "35\n"},
         {"given up in the wait", {}, {kTriggered, kAborted, kResults}, none, 3, -1, "33/1 ", line + "35\n"},
+        {"another port's given up before, beside this port's", {kOwnTriggered, kOthersTriggered, kOthersAborted, kNoMore, kResults}, {}, none, 3, 0, noTrigger, line + "35\n"},
+        {"the same in the wait", {kOwnTriggered, kNoMore, kOthersTriggered, kOthersAborted, kResults}, {}, none, 3, 0, noTrigger, line + "35\n"},
+        {"beside a scan of our own", {}, {kOthersAborted, kOwnTriggered, kResults}, none, 3, 0, both, line + "35\n"},
+        {"beside a third port's", {kOthersTriggered, notificationOf(9, NL80211_CMD_TRIGGER_SCAN), kOthersAborted, kNoMore, kResults}, {}, none, 3, 0, noTrigger, line + "35\n"},
+        {"one that was running already", {kOthersAborted, kOthersTriggered, kNoMore, kResults}, {}, none, 3, 0, noTrigger, line + "35\n"},
+        {"another port's alone", {kOthersTriggered, kNoMore, kOthersAborted}, {kOwnTriggered, kResults}, none, 3, 0, both, line + "35\n"},
+        {"and then our own", {kOthersTriggered, kNoMore, kOthersAborted}, {kOwnTriggered, kOwnAborted}, none, 3, -1, "33/1 ", line + "35\n" + line.substr(8) + "35\n"},
+        {"refused", {}, {}, none, 3, -1, "33/1 ", "- - - - ", failure(EIO)},
+        {"refused as busy", {}, {}, none, 3, -1, "33/1 ", "- - - - ", busy},
+        {"the port's scan has begun meanwhile", {}, {kOwnTriggered, kNoMore, kResults}, none, 3, 0, both, "- - - - ", busy},
+        {"and ended", {}, {kResults}, none, 3, 0, both, "- - - - ", busy},
+        {"or was given up", {}, {kOwnTriggered, kOwnAborted}, none, 3, -1, "33/1 ", line + "35\n", busy},
+        {"another port's has begun", {}, {kOthersTriggered}, none, 3, -1, "33/1 ", "- - - - ", busy},
     };
     // clang-format on
     check(cases);
-    for (const std::string& refusal : {acknowledgement(-EBUSY), failure(EIO)}) {
-        open();
-        kernel.on[NL80211_CMD_TRIGGER_SCAN] = {refusal};
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(wifi_scan_all(wifi.get(), nullptr, 0), -1);
-        EXPECT_EQ(wifi_scan_all(wifi.get(), nullptr, 0), -1);
-        EXPECT_EQ(testing::internal::GetCapturedStderr() + kernel.commands, "33/1 33/2 ");
-    }
 }
 
 TEST_F(Wifi, TheJoinedNetworkComesFirst) {

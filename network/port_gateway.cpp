@@ -16,6 +16,9 @@
 #include "console-manager/network.h"
 #include "system/descriptor.h"
 
+// Messages are walked here and not by libmnl, whose walk looks at the type, sequence and sender of
+// each and ends with the dump: a route counts by its table alone, wherever the datagram has it.
+
 namespace {
 
 // On a 32-bit machine the option has two numbers; the one with 64-bit time goes with this timeval.
@@ -110,25 +113,35 @@ bool isRouteReply(Bytes datagram) {
            first.nlmsg_type != NLMSG_ERROR;
 }
 
+// An IPv4 route of the main table, or nothing. Routes of the other families are in that table, too.
+std::optional<Route> readMessage(Bytes message) {
+    constexpr size_t kAttributes = sizeof(nlmsghdr) + sizeof(rtmsg);
+    if (message.size() < kAttributes) {
+        return std::nullopt;
+    }
+    const auto header = recordAt<rtmsg>(message, sizeof(nlmsghdr));
+    if (header.rtm_table != RT_TABLE_MAIN || header.rtm_family != AF_INET) {
+        return std::nullopt;
+    }
+    return readRoute(message.subspan(kAttributes));
+}
+
 // Writes the gateway of the first fitting route into text, or leaves it as it is.
 void findGateway(Bytes datagram, const char* port, char* text) {
-    constexpr size_t kAttributes = sizeof(nlmsghdr) + sizeof(rtmsg);
+    // A name costs a question to the kernel, and neighbouring routes mostly leave by the same port.
+    uint32_t otherPort = 0;
     while (datagram.size() >= sizeof(nlmsghdr)) {
         const size_t length = recordAt<nlmsghdr>(datagram, 0).nlmsg_len;
         if (length < sizeof(nlmsghdr) || length > datagram.size()) {
             return;
         }
-        if (length >= kAttributes) {
-            const auto header = recordAt<rtmsg>(datagram, sizeof(nlmsghdr));
-            // Routes of the other families are in the main table, too.
-            if (header.rtm_table == RT_TABLE_MAIN && header.rtm_family == AF_INET) {
-                const Route route = readRoute(datagram.subspan(kAttributes, length - kAttributes));
-                // The name costs a question to the kernel: asked only where it decides.
-                if (route.gateway && hasName(route.portIndex, port)) {
-                    inet_ntop(AF_INET, &*route.gateway, text, INET_ADDRSTRLEN);
-                    return;
-                }
+        const auto route = readMessage(datagram.first(length));
+        if (route && route->gateway && route->portIndex != otherPort) {
+            if (hasName(route->portIndex, port)) {
+                inet_ntop(AF_INET, &*route->gateway, text, INET_ADDRSTRLEN);
+                return;
             }
+            otherPort = route->portIndex;
         }
         datagram = behind(datagram, length);
     }

@@ -8,11 +8,11 @@ int main(int argc, char** argv) {
         return 1;
     }
     char language[16];
-    uint32_t length;
-    const int32_t result = DAL_CML_getLanguage(language, &length, sizeof language);
+    uint32_t info;
+    const int32_t result = DAL_CML_getLanguage(language, &info, sizeof language);
     if (result != 0) {
         fprintf(stderr, "can't be read (error %d), so this is the default:\n", (int)result);
     }
-    printf("%s%s\n", language, length >= sizeof language ? "..." : "");
+    printf("%s\n", language);
     return 0;
 }

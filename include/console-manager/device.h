@@ -6,8 +6,9 @@
  * that can't be read shows in the value alone, as each function says. The figures of the kernel are
  * read in its own notation, whatever locale the application has chosen. No descriptor stays open.
  *
- * A function that can't get the memory that it needs throws std::bad_alloc, which only a caller in
- * C++ can catch; nothing is left allocated then, and the next call is as good as any.
+ * A function that can't get the memory that it needs throws std::bad_alloc; nothing is left
+ * allocated then, and the next call is as good as any. Only a caller in C++ can catch an exception:
+ * in a C program it ends the process, by abort().
  */
 #ifndef CONSOLE_MANAGER_DEVICE_H
 #define CONSOLE_MANAGER_DEVICE_H
@@ -84,8 +85,8 @@ int32_t CML_getLinuxReleaseInformation(char** kernelRelease, char** kernelVersio
  * 4 TiB or more doesn't fit: the size is then 4294967295, and the use 0.
  *
  * If not even a shell can be started the function throws std::runtime_error with the text
- * "popen() failed!", with both values 0; the caller must be ready to catch it. No other function of
- * this header throws for want of its source.
+ * "popen() failed!", with both values 0. No other function of this header throws for want of its
+ * source.
  *
  * Runs the command anew at each call and blocks until it has ended. What it prints on its standard
  * error goes to that of the process. Any thread may call it at any time.
@@ -128,8 +129,9 @@ int32_t CML_getMemoryInformation(int32_t* memTotal, int32_t* memFree);
  *
  * @param[out] count receives the number of elements, if it isn't null.
  * @return an array, never null: element 0 for all cores together, then one for each core that is
- *         online, in the kernel's order. The library owns it; it is good until the next call of
- *         either function, which may move it.
+ *         online, in ascending order: with cores 0 and 2 online, element 2 is that of core 2. See
+ *         "/sys/devices/system/cpu/online" for which are. The library owns the array; it is good
+ *         until the next call of either function, which may move it.
  */
 const long double* CML_getAllCPUUsage(int32_t* count);
 
@@ -160,7 +162,7 @@ void CML_restoreDisplayBrightness(void);
  */
 
 /** @{ @name Display settings */
-/** Returns 1 if the driver may change the brightness of the display, else 0; default 0. */
+/** Returns whether the driver may change the brightness of the display, 0 if not; default 0. */
 int32_t CML_getAllowDriverToAdjustBrightness(void);
 /** Returns the time without input until the display counts as inactive; default 15. */
 int32_t CML_getDisplayInactivityTimeout(void);

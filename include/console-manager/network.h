@@ -13,9 +13,9 @@
  * that of the hardware address can move. Calls of different functions don't disturb each other.
  * Every function without a text of its own may be called from any thread at any time.
  *
- * Memory. A function that can't get the memory that it needs throws std::bad_alloc, which only a
- * caller in C++ can catch; nothing is left allocated or open then, and the next call is as good as
- * any.
+ * Memory. A function that can't get the memory that it needs throws std::bad_alloc; nothing is left
+ * allocated or open then, and the next call is as good as any. Only a caller in C++ can catch an
+ * exception: in a C program it ends the process, by abort().
  */
 #ifndef CONSOLE_MANAGER_NETWORK_H
 #define CONSOLE_MANAGER_NETWORK_H
@@ -31,8 +31,8 @@ extern "C" {
  * Lists the ports, as "/sys/class/net" has them, in ascending strcmp order (eth10 before eth2). The
  * loopback port is one of them, and so is a port without an address.
  *
- * When "/sys/class/net" can't be read the function throws std::filesystem::filesystem_error, which
- * only a caller in C++ can catch; nothing is left allocated then.
+ * When "/sys/class/net" can't be read the function throws std::filesystem::filesystem_error;
+ * nothing is left allocated then.
  *
  * @param onlyActive 0 for all; any other value for those only for which
  *        CML_checkNetworkPortActive() gives 1.
@@ -53,7 +53,8 @@ int32_t CML_checkNetworkPortActive(const char* port);
 
 /**
  * Returns the port's first IPv4 address in dotted form, 15 characters at most; the empty text if it
- * has none, if there is no such port and on a failure.
+ * has none, if there is no such port and on a failure. An address with a label of its own, such as
+ * "eth0:1", is found under that label, as a port of that name, and not under the port's.
  */
 const char* CML_getNetworkPortIPv4Address(const char* port);
 
@@ -64,14 +65,17 @@ const char* CML_getNetworkPortIPv4Address(const char* port);
 const char* CML_getNetworkPortIPv4NetMask(const char* port);
 
 /**
- * Returns the IPv4 gateway of the port in dotted form: that of the first route of the main table
- * that leaves through the port and has one, be it the default route or a route to one network. The
- * empty text if there is none, or if the kernel doesn't answer within 1 second, which is the
- * longest that the call takes.
+ * Returns the IPv4 gateway of the port in dotted form; the empty text if there is none, or if the
+ * kernel doesn't answer within 1 second, which is the longest that the call takes.
  *
- * Only IPv4 routes with a gateway of 4 bytes count. Only the first datagram of the kernel's reply
- * is looked at, 4096 bytes at most: on a device with so many routes that they don't fit, the
- * gateway may be missed.
+ * It is that of the first IPv4 route of the main table that leaves through the port and has one.
+ * The kernel lists them by their destinations: first the default route, of several that of the
+ * lowest metric; without one it can be a route to some network. A route over several gateways
+ * (multipath, a group of next hops) has none in this sense, nor has one over an IPv6 gateway.
+ *
+ * Only the first datagram of the kernel's reply is looked at, 4096 bytes at most, which is some 70
+ * routes, those of tables with lower numbers than the main one's (254) in front. A gateway behind
+ * so many is missed.
  */
 const char* CML_getNetworkPortIPv4Gateway(const char* port);
 
@@ -104,28 +108,33 @@ int32_t CML_getNetworkPortStatus(const char* port, CML_NetworkPortStatus* status
 const char* CML_getNetworkPortMACAddress(const char* port);
 
 /**
- * Reads how many bytes the port has received and sent since it was made: it need not have been up
- * all the time.
+ * Reads how many bytes the port has received and sent since the kernel made it; taking it down and
+ * up doesn't begin anew.
  *
  * @param port Its name.
  * @param[out] rxBytes receives the bytes received; not null.
- * @param[out] txBytes receives the bytes sent; not null. Each is 0 for no traffic, for a failure,
- *             and from 2147483648 bytes on: the function can't tell which.
+ * @param[out] txBytes receives the bytes sent; not null. A 0 in either can mean that there was no
+ *             traffic, that the counter couldn't be read, or that it is beyond 2147483647 (2 GiB).
  */
 void CML_getNetworkPortInfo(const char* port, int32_t* rxBytes, int32_t* txBytes);
 
 /**
- * Sends one echo request to a host and waits for the answer, by the system's ping command.
+ * Asks a host for an echo, once a second until it answers or the time is over, by the system's ping
+ * command. Blocks until that has ended; meanwhile the process ignores SIGINT and SIGQUIT, as it
+ * does during each call of system().
  *
  * Host and port reach the shell as they stand: pass plain names only, never text from outside that
  * hasn't been checked.
  *
  * @param host Name or address, not null.
- * @param timeout The longest to wait, in seconds.
+ * @param timeout The longest to wait for an answer, in seconds, 1 or more. The call can take longer
+ *        by the look-up of a name, which a silent name server draws out to 10 seconds as a rule.
+ *        With 0, iputils' ping asks once and waits for 10 seconds; a negative number fails at once.
  * @param port The port to send from; null or empty to leave that to the routing.
- * @return 0 if the host answered. Any other value means that it didn't, or that ping couldn't be
- *         run: what system() gave, the wait status of the shell (that of exit status 127 if there
- *         was none) or -1. So this is no truth value.
+ * @return 0 if the host answered. Any other value means that it didn't, or that this can't be told:
+ *         what system() gave, the wait status of the shell (that of exit status 127 if there was
+ *         none) or -1. So this is no truth value. In a process that ignores SIGCHLD it is always
+ *         -1.
  */
 int32_t CML_getHostAvailable(const char* host, int32_t timeout, const char* port);
 

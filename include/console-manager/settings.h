@@ -7,43 +7,50 @@
  * other call is needed before. It stays open until the process ends. Nothing is cached, so that a
  * change made by another process is seen at once.
  *
+ * Have the data mount in place before the first call of a process. Where it is missing, and its
+ * folder can be made, that call makes a database beneath the mount point, and the process keeps to
+ * it: when the mount arrives later, what the process sets goes to the file that the mount hides.
+ *
+ * When a database can't be opened, the call fails, the getter delivers the default, a message goes
+ * to the trace library (and mkdir's own to stderr), and the next call tries again. From a read-only
+ * file or mount values can be read at best: a set fails.
+ *
+ * Each set and each delete is a change of its own, which as a rule waits for the disk: 100 items of
+ * a list are 100 such waits. The room of a value that is removed is kept for later values; a file
+ * doesn't shrink.
+ *
  * The family of a setting S:
  *
  *     DAL_CML_getS          delivers the stored value, or the default where none is stored
- *     DAL_CML_getSMalloc    strings only: the stored value in memory of its own, no default
+ *     DAL_CML_getSMalloc    strings only: the stored value in memory of its own; no default
  *     DAL_CML_setS          stores a value, in place of an earlier one
  *     DAL_CML_getSDefault   the default itself; touches no database and can't fail
  *     DAL_CML_deleteS       removes the stored value, so that the default holds again
  *     DAL_CML_deleteAllS    removes the stored values under all profile numbers
- *     DAL_CML_isSPresent    1 if a value is stored, 0 if not; a default doesn't count
+ *     DAL_CML_isSPresent    0 if no value is stored, else another number; a default doesn't count
  *
  * A profiled setting can have a value for each profile number; all these functions address number
  * 0, and the deleteAll forms every one. An unprofiled setting has one value.
  *
- * Results. 0 is success, anything else a failure of the data access library, passed on as it is:
- * its numbers are those of SQLite (5 the database is locked, 7 memory has run out, 13 the disk is
- * full ...). isSPresent answers 1 or 0, and 0 on a failure too. A set or delete that returned 0 is
- * on the disk.
+ * Results. 0 is success, anything else a failure, as the data access library returned it. What its
+ * numbers mean, when a change is safe on the disk, and how long a call waits for another process
+ * that is writing, is that library's to say: see the README of the stand-ins for the one that takes
+ * its place on other machines than the console.
  *
  * Getters deliver on every path: also when the database can't be opened *value, or the buffer,
  * holds the default afterwards, and only the result tells. No argument is checked for meaning: an
  * integer is stored as it is, a BOOL other than 0 and 1 too.
  *
- * Strings. buffer has room for size bytes, and never more is written, the terminator included; a
- * longer text is cut at a byte. valueInfo may be null; otherwise it receives the length in bytes,
- * without terminator, of the whole text, so that *valueInfo >= size tells of a cut. The allocating
- * getter stores a block from malloc in *value, which the caller gives back with free; for an absent
- * setting, or on a failure, it stores null and returns a failure. A set copies its value. A
- * getSDefault of a string returns a constant text, neither to be changed nor freed, never null.
- *
- * When a database can't be opened, the call fails, the getter delivers the default, a message goes
- * to the trace library, and the next call tries again: a mount that comes up later is picked up.
- *
- * Another process that is writing the same file is waited for, 10 seconds at most.
+ * Strings. buffer has room for size bytes, and never more is written, the terminator included,
+ * which is always there. valueInfo points to a word of the caller's, which the data access library
+ * uses in its own way. The allocating getter stores a block from malloc in `*value`, which the
+ * caller gives back with free(); preset it to null, for what an absent setting or a failure leaves
+ * in it is the data access library's choice, too. A set copies its value. A getSDefault of a string
+ * returns a constant text, neither to be changed nor freed, never null.
  *
  * Threads. Any function may be called from any thread at any time. A process shares one connection
- * to each file, and calls wait for each other there. A process that has used a setting must not go
- * on using settings in a child made by fork alone; the child has to exec.
+ * to each file. A process that has used a setting must not go on using settings in a child made by
+ * fork alone; the child has to exec.
  */
 #ifndef CONSOLE_MANAGER_SETTINGS_H
 #define CONSOLE_MANAGER_SETTINGS_H
@@ -62,7 +69,8 @@ extern "C" {
  * Removes every value of every setting and every list, in both databases.
  *
  * @return 0 if both could be opened and 1 if not; the one that could be opened is cleared all the
- *         same. A failure of the removal itself doesn't show.
+ *         same. A failure of the removal itself doesn't show: from a read-only file nothing is
+ *         removed, and the result is 0.
  */
 int32_t DAL_CML_deleteAll(void);
 
@@ -84,14 +92,14 @@ int32_t DAL_CML_getUserInterfaceRevisionDefault(void);
 int32_t DAL_CML_deleteUserInterfaceRevision(void);
 /** Removes the stored UserInterfaceRevision of all profile numbers. */
 int32_t DAL_CML_deleteAllUserInterfaceRevision(void);
-/** Returns 1 if UserInterfaceRevision is stored, 0 if not. */
+/** Returns 0 if no UserInterfaceRevision is stored, else another number. */
 int32_t DAL_CML_isUserInterfaceRevisionPresent(void);
 /** @} */
 
 /** @{ @name Language */
 /** Delivers the language of the user interface, a short code. String, default "EN", unprofiled. */
 int32_t DAL_CML_getLanguage(char* buffer, uint32_t* valueInfo, size_t size);
-/** Delivers the stored Language in a block from malloc; null if there is none. */
+/** Delivers the stored Language in a block from malloc; there is no default. */
 int32_t DAL_CML_getLanguageMalloc(char** value, uint32_t* valueInfo);
 /** Stores the language of the user interface, a short code. */
 int32_t DAL_CML_setLanguage(const char* value);
@@ -101,7 +109,7 @@ const char* DAL_CML_getLanguageDefault(void);
 int32_t DAL_CML_deleteLanguage(void);
 /** Removes the stored Language of all profile numbers. */
 int32_t DAL_CML_deleteAllLanguage(void);
-/** Returns 1 if Language is stored, 0 if not. */
+/** Returns 0 if no Language is stored, else another number. */
 int32_t DAL_CML_isLanguagePresent(void);
 /** @} */
 
@@ -116,7 +124,7 @@ BOOL DAL_CML_getEnableDriverPasswordLoginDefault(void);
 int32_t DAL_CML_deleteEnableDriverPasswordLogin(void);
 /** Removes the stored EnableDriverPasswordLogin of all profile numbers. */
 int32_t DAL_CML_deleteAllEnableDriverPasswordLogin(void);
-/** Returns 1 if EnableDriverPasswordLogin is stored, 0 if not. */
+/** Returns 0 if no EnableDriverPasswordLogin is stored, else another number. */
 int32_t DAL_CML_isEnableDriverPasswordLoginPresent(void);
 /** @} */
 
@@ -131,7 +139,7 @@ BOOL DAL_CML_getEnableDriverIdEntryDefault(void);
 int32_t DAL_CML_deleteEnableDriverIdEntry(void);
 /** Removes the stored EnableDriverIdEntry of all profile numbers. */
 int32_t DAL_CML_deleteAllEnableDriverIdEntry(void);
-/** Returns 1 if EnableDriverIdEntry is stored, 0 if not. */
+/** Returns 0 if no EnableDriverIdEntry is stored, else another number. */
 int32_t DAL_CML_isEnableDriverIdEntryPresent(void);
 /** @} */
 
@@ -146,7 +154,7 @@ BOOL DAL_CML_getEnableServiceIdEntryDefault(void);
 int32_t DAL_CML_deleteEnableServiceIdEntry(void);
 /** Removes the stored EnableServiceIdEntry of all profile numbers. */
 int32_t DAL_CML_deleteAllEnableServiceIdEntry(void);
-/** Returns 1 if EnableServiceIdEntry is stored, 0 if not. */
+/** Returns 0 if no EnableServiceIdEntry is stored, else another number. */
 int32_t DAL_CML_isEnableServiceIdEntryPresent(void);
 /** @} */
 
@@ -161,7 +169,7 @@ BOOL DAL_CML_getAllowMultipleMessagesDefault(void);
 int32_t DAL_CML_deleteAllowMultipleMessages(void);
 /** Removes the stored AllowMultipleMessages of all profile numbers. */
 int32_t DAL_CML_deleteAllAllowMultipleMessages(void);
-/** Returns 1 if AllowMultipleMessages is stored, 0 if not. */
+/** Returns 0 if no AllowMultipleMessages is stored, else another number. */
 int32_t DAL_CML_isAllowMultipleMessagesPresent(void);
 /** @} */
 
@@ -176,7 +184,7 @@ BOOL DAL_CML_getUsbUpdateRequiresPasswordDefault(void);
 int32_t DAL_CML_deleteUsbUpdateRequiresPassword(void);
 /** Removes the stored UsbUpdateRequiresPassword of all profile numbers. */
 int32_t DAL_CML_deleteAllUsbUpdateRequiresPassword(void);
-/** Returns 1 if UsbUpdateRequiresPassword is stored, 0 if not. */
+/** Returns 0 if no UsbUpdateRequiresPassword is stored, else another number. */
 int32_t DAL_CML_isUsbUpdateRequiresPasswordPresent(void);
 /** @} */
 
@@ -193,7 +201,7 @@ BOOL DAL_CML_getAllowDriverToAdjustBrightnessDefault(void);
 int32_t DAL_CML_deleteAllowDriverToAdjustBrightness(void);
 /** Removes the stored AllowDriverToAdjustBrightness of all profile numbers. */
 int32_t DAL_CML_deleteAllAllowDriverToAdjustBrightness(void);
-/** Returns 1 if AllowDriverToAdjustBrightness is stored, 0 if not. */
+/** Returns 0 if no AllowDriverToAdjustBrightness is stored, else another number. */
 int32_t DAL_CML_isAllowDriverToAdjustBrightnessPresent(void);
 /** @} */
 
@@ -208,7 +216,7 @@ BOOL DAL_CML_getDestinationChangeRequiresPasswordDefault(void);
 int32_t DAL_CML_deleteDestinationChangeRequiresPassword(void);
 /** Removes the stored DestinationChangeRequiresPassword of all profile numbers. */
 int32_t DAL_CML_deleteAllDestinationChangeRequiresPassword(void);
-/** Returns 1 if DestinationChangeRequiresPassword is stored, 0 if not. */
+/** Returns 0 if no DestinationChangeRequiresPassword is stored, else another number. */
 int32_t DAL_CML_isDestinationChangeRequiresPasswordPresent(void);
 /** @} */
 
@@ -223,7 +231,7 @@ BOOL DAL_CML_getInformationChangeRequiresPasswordDefault(void);
 int32_t DAL_CML_deleteInformationChangeRequiresPassword(void);
 /** Removes the stored InformationChangeRequiresPassword of all profile numbers. */
 int32_t DAL_CML_deleteAllInformationChangeRequiresPassword(void);
-/** Returns 1 if InformationChangeRequiresPassword is stored, 0 if not. */
+/** Returns 0 if no InformationChangeRequiresPassword is stored, else another number. */
 int32_t DAL_CML_isInformationChangeRequiresPasswordPresent(void);
 /** @} */
 
@@ -238,7 +246,7 @@ BOOL DAL_CML_getRoundTripEnableDefault(void);
 int32_t DAL_CML_deleteRoundTripEnable(void);
 /** Removes the stored RoundTripEnable of all profile numbers. */
 int32_t DAL_CML_deleteAllRoundTripEnable(void);
-/** Returns 1 if RoundTripEnable is stored, 0 if not. */
+/** Returns 0 if no RoundTripEnable is stored, else another number. */
 int32_t DAL_CML_isRoundTripEnablePresent(void);
 /** @} */
 
@@ -256,7 +264,7 @@ BOOL DAL_CML_getRoundTripOrientationDefault(void);
 int32_t DAL_CML_deleteRoundTripOrientation(void);
 /** Removes the stored RoundTripOrientation of all profile numbers. */
 int32_t DAL_CML_deleteAllRoundTripOrientation(void);
-/** Returns 1 if RoundTripOrientation is stored, 0 if not. */
+/** Returns 0 if no RoundTripOrientation is stored, else another number. */
 int32_t DAL_CML_isRoundTripOrientationPresent(void);
 /** @} */
 
@@ -273,7 +281,7 @@ BOOL DAL_CML_getAllowControlOfDestinationsDefault(void);
 int32_t DAL_CML_deleteAllowControlOfDestinations(void);
 /** Removes the stored AllowControlOfDestinations of all profile numbers. */
 int32_t DAL_CML_deleteAllAllowControlOfDestinations(void);
-/** Returns 1 if AllowControlOfDestinations is stored, 0 if not. */
+/** Returns 0 if no AllowControlOfDestinations is stored, else another number. */
 int32_t DAL_CML_isAllowControlOfDestinationsPresent(void);
 /** @} */
 
@@ -291,7 +299,7 @@ int32_t DAL_CML_getDisplayInactivityTimeoutDefault(void);
 int32_t DAL_CML_deleteDisplayInactivityTimeout(void);
 /** Removes the stored DisplayInactivityTimeout of all profile numbers. */
 int32_t DAL_CML_deleteAllDisplayInactivityTimeout(void);
-/** Returns 1 if DisplayInactivityTimeout is stored, 0 if not. */
+/** Returns 0 if no DisplayInactivityTimeout is stored, else another number. */
 int32_t DAL_CML_isDisplayInactivityTimeoutPresent(void);
 /** @} */
 
@@ -308,7 +316,7 @@ int32_t DAL_CML_getDisplayOffTimeoutDefault(void);
 int32_t DAL_CML_deleteDisplayOffTimeout(void);
 /** Removes the stored DisplayOffTimeout of all profile numbers. */
 int32_t DAL_CML_deleteAllDisplayOffTimeout(void);
-/** Returns 1 if DisplayOffTimeout is stored, 0 if not. */
+/** Returns 0 if no DisplayOffTimeout is stored, else another number. */
 int32_t DAL_CML_isDisplayOffTimeoutPresent(void);
 /** @} */
 
@@ -325,7 +333,7 @@ int32_t DAL_CML_getMaintenanceTimeoutDefault(void);
 int32_t DAL_CML_deleteMaintenanceTimeout(void);
 /** Removes the stored MaintenanceTimeout of all profile numbers. */
 int32_t DAL_CML_deleteAllMaintenanceTimeout(void);
-/** Returns 1 if MaintenanceTimeout is stored, 0 if not. */
+/** Returns 0 if no MaintenanceTimeout is stored, else another number. */
 int32_t DAL_CML_isMaintenanceTimeoutPresent(void);
 /** @} */
 
@@ -340,7 +348,7 @@ BOOL DAL_CML_getDriverQorTerminalPermissionDefault(void);
 int32_t DAL_CML_deleteDriverQorTerminalPermission(void);
 /** Removes the stored DriverQorTerminalPermission of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverQorTerminalPermission(void);
-/** Returns 1 if DriverQorTerminalPermission is stored, 0 if not. */
+/** Returns 0 if no DriverQorTerminalPermission is stored, else another number. */
 int32_t DAL_CML_isDriverQorTerminalPermissionPresent(void);
 /** @} */
 
@@ -358,7 +366,7 @@ int32_t DAL_CML_getDriverDisplaySourceDefault(void);
 int32_t DAL_CML_deleteDriverDisplaySource(void);
 /** Removes the stored DriverDisplaySource of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverDisplaySource(void);
-/** Returns 1 if DriverDisplaySource is stored, 0 if not. */
+/** Returns 0 if no DriverDisplaySource is stored, else another number. */
 int32_t DAL_CML_isDriverDisplaySourcePresent(void);
 /** @} */
 
@@ -376,7 +384,7 @@ int32_t DAL_CML_getDriverDisplayRenderModeDefault(void);
 int32_t DAL_CML_deleteDriverDisplayRenderMode(void);
 /** Removes the stored DriverDisplayRenderMode of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverDisplayRenderMode(void);
-/** Returns 1 if DriverDisplayRenderMode is stored, 0 if not. */
+/** Returns 0 if no DriverDisplayRenderMode is stored, else another number. */
 int32_t DAL_CML_isDriverDisplayRenderModePresent(void);
 /** @} */
 
@@ -391,7 +399,7 @@ BOOL DAL_CML_getQorHotKeySelectEnabledDefault(void);
 int32_t DAL_CML_deleteQorHotKeySelectEnabled(void);
 /** Removes the stored QorHotKeySelectEnabled of all profile numbers. */
 int32_t DAL_CML_deleteAllQorHotKeySelectEnabled(void);
-/** Returns 1 if QorHotKeySelectEnabled is stored, 0 if not. */
+/** Returns 0 if no QorHotKeySelectEnabled is stored, else another number. */
 int32_t DAL_CML_isQorHotKeySelectEnabledPresent(void);
 /** @} */
 
@@ -409,7 +417,7 @@ BOOL DAL_CML_getTimeFormatDefault(void);
 int32_t DAL_CML_deleteTimeFormat(void);
 /** Removes the stored TimeFormat of all profile numbers. */
 int32_t DAL_CML_deleteAllTimeFormat(void);
-/** Returns 1 if TimeFormat is stored, 0 if not. */
+/** Returns 0 if no TimeFormat is stored, else another number. */
 int32_t DAL_CML_isTimeFormatPresent(void);
 /** @} */
 
@@ -424,7 +432,7 @@ BOOL DAL_CML_getEnableVirtualQorTerminalDefault(void);
 int32_t DAL_CML_deleteEnableVirtualQorTerminal(void);
 /** Removes the stored EnableVirtualQorTerminal of all profile numbers. */
 int32_t DAL_CML_deleteAllEnableVirtualQorTerminal(void);
-/** Returns 1 if EnableVirtualQorTerminal is stored, 0 if not. */
+/** Returns 0 if no EnableVirtualQorTerminal is stored, else another number. */
 int32_t DAL_CML_isEnableVirtualQorTerminalPresent(void);
 /** @} */
 
@@ -439,7 +447,7 @@ BOOL DAL_CML_getSignTestMaintenanceLockDefault(void);
 int32_t DAL_CML_deleteSignTestMaintenanceLock(void);
 /** Removes the stored SignTestMaintenanceLock of all profile numbers. */
 int32_t DAL_CML_deleteAllSignTestMaintenanceLock(void);
-/** Returns 1 if SignTestMaintenanceLock is stored, 0 if not. */
+/** Returns 0 if no SignTestMaintenanceLock is stored, else another number. */
 int32_t DAL_CML_isSignTestMaintenanceLockPresent(void);
 /** @} */
 
@@ -454,7 +462,7 @@ BOOL DAL_CML_getAllowDriverRebootDefault(void);
 int32_t DAL_CML_deleteAllowDriverReboot(void);
 /** Removes the stored AllowDriverReboot of all profile numbers. */
 int32_t DAL_CML_deleteAllAllowDriverReboot(void);
-/** Returns 1 if AllowDriverReboot is stored, 0 if not. */
+/** Returns 0 if no AllowDriverReboot is stored, else another number. */
 int32_t DAL_CML_isAllowDriverRebootPresent(void);
 /** @} */
 
@@ -464,7 +472,7 @@ int32_t DAL_CML_isAllowDriverRebootPresent(void);
  * empty string, profiled.
  */
 int32_t DAL_CML_getHomeScreenIconOrder(char* buffer, uint32_t* valueInfo, size_t size);
-/** Delivers the stored HomeScreenIconOrder in a block from malloc; null if there is none. */
+/** Delivers the stored HomeScreenIconOrder in a block from malloc; there is no default. */
 int32_t DAL_CML_getHomeScreenIconOrderMalloc(char** value, uint32_t* valueInfo);
 /** Stores the order of the icons on the home screen. */
 int32_t DAL_CML_setHomeScreenIconOrder(const char* value);
@@ -474,7 +482,7 @@ const char* DAL_CML_getHomeScreenIconOrderDefault(void);
 int32_t DAL_CML_deleteHomeScreenIconOrder(void);
 /** Removes the stored HomeScreenIconOrder of all profile numbers. */
 int32_t DAL_CML_deleteAllHomeScreenIconOrder(void);
-/** Returns 1 if HomeScreenIconOrder is stored, 0 if not. */
+/** Returns 0 if no HomeScreenIconOrder is stored, else another number. */
 int32_t DAL_CML_isHomeScreenIconOrderPresent(void);
 /** @} */
 
@@ -489,14 +497,14 @@ BOOL DAL_CML_getShowCustomSplashDefault(void);
 int32_t DAL_CML_deleteShowCustomSplash(void);
 /** Removes the stored ShowCustomSplash of all profile numbers. */
 int32_t DAL_CML_deleteAllShowCustomSplash(void);
-/** Returns 1 if ShowCustomSplash is stored, 0 if not. */
+/** Returns 0 if no ShowCustomSplash is stored, else another number. */
 int32_t DAL_CML_isShowCustomSplashPresent(void);
 /** @} */
 
 /** @{ @name DriverMessageTextEncoding */
 /** Delivers the character encoding of messages to the driver. String, default "UTF-8", profiled. */
 int32_t DAL_CML_getDriverMessageTextEncoding(char* buffer, uint32_t* valueInfo, size_t size);
-/** Delivers the stored DriverMessageTextEncoding in a block from malloc; null if there is none. */
+/** Delivers the stored DriverMessageTextEncoding in a block from malloc; there is no default. */
 int32_t DAL_CML_getDriverMessageTextEncodingMalloc(char** value, uint32_t* valueInfo);
 /** Stores the character encoding of messages to the driver. */
 int32_t DAL_CML_setDriverMessageTextEncoding(const char* value);
@@ -506,7 +514,7 @@ const char* DAL_CML_getDriverMessageTextEncodingDefault(void);
 int32_t DAL_CML_deleteDriverMessageTextEncoding(void);
 /** Removes the stored DriverMessageTextEncoding of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverMessageTextEncoding(void);
-/** Returns 1 if DriverMessageTextEncoding is stored, 0 if not. */
+/** Returns 0 if no DriverMessageTextEncoding is stored, else another number. */
 int32_t DAL_CML_isDriverMessageTextEncodingPresent(void);
 /** @} */
 
@@ -521,7 +529,7 @@ int32_t DAL_CML_getHomeScreenIconBarQtyDefault(void);
 int32_t DAL_CML_deleteHomeScreenIconBarQty(void);
 /** Removes the stored HomeScreenIconBarQty of all profile numbers. */
 int32_t DAL_CML_deleteAllHomeScreenIconBarQty(void);
-/** Returns 1 if HomeScreenIconBarQty is stored, 0 if not. */
+/** Returns 0 if no HomeScreenIconBarQty is stored, else another number. */
 int32_t DAL_CML_isHomeScreenIconBarQtyPresent(void);
 /** @} */
 
@@ -536,7 +544,7 @@ BOOL DAL_CML_getWakeOnRemoteActionDefault(void);
 int32_t DAL_CML_deleteWakeOnRemoteAction(void);
 /** Removes the stored WakeOnRemoteAction of all profile numbers. */
 int32_t DAL_CML_deleteAllWakeOnRemoteAction(void);
-/** Returns 1 if WakeOnRemoteAction is stored, 0 if not. */
+/** Returns 0 if no WakeOnRemoteAction is stored, else another number. */
 int32_t DAL_CML_isWakeOnRemoteActionPresent(void);
 /** @} */
 
@@ -551,7 +559,7 @@ BOOL DAL_CML_getUseCodeEntryKeypadDefault(void);
 int32_t DAL_CML_deleteUseCodeEntryKeypad(void);
 /** Removes the stored UseCodeEntryKeypad of all profile numbers. */
 int32_t DAL_CML_deleteAllUseCodeEntryKeypad(void);
-/** Returns 1 if UseCodeEntryKeypad is stored, 0 if not. */
+/** Returns 0 if no UseCodeEntryKeypad is stored, else another number. */
 int32_t DAL_CML_isUseCodeEntryKeypadPresent(void);
 /** @} */
 
@@ -566,7 +574,7 @@ BOOL DAL_CML_getShowToggleThemeIconDefault(void);
 int32_t DAL_CML_deleteShowToggleThemeIcon(void);
 /** Removes the stored ShowToggleThemeIcon of all profile numbers. */
 int32_t DAL_CML_deleteAllShowToggleThemeIcon(void);
-/** Returns 1 if ShowToggleThemeIcon is stored, 0 if not. */
+/** Returns 0 if no ShowToggleThemeIcon is stored, else another number. */
 int32_t DAL_CML_isShowToggleThemeIconPresent(void);
 /** @} */
 
@@ -581,7 +589,7 @@ BOOL DAL_CML_getUseHomeCodeBrowseControlsDefault(void);
 int32_t DAL_CML_deleteUseHomeCodeBrowseControls(void);
 /** Removes the stored UseHomeCodeBrowseControls of all profile numbers. */
 int32_t DAL_CML_deleteAllUseHomeCodeBrowseControls(void);
-/** Returns 1 if UseHomeCodeBrowseControls is stored, 0 if not. */
+/** Returns 0 if no UseHomeCodeBrowseControls is stored, else another number. */
 int32_t DAL_CML_isUseHomeCodeBrowseControlsPresent(void);
 /** @} */
 
@@ -596,7 +604,7 @@ BOOL DAL_CML_getTouchScreenClickDefault(void);
 int32_t DAL_CML_deleteTouchScreenClick(void);
 /** Removes the stored TouchScreenClick of all profile numbers. */
 int32_t DAL_CML_deleteAllTouchScreenClick(void);
-/** Returns 1 if TouchScreenClick is stored, 0 if not. */
+/** Returns 0 if no TouchScreenClick is stored, else another number. */
 int32_t DAL_CML_isTouchScreenClickPresent(void);
 /** @} */
 
@@ -611,7 +619,7 @@ BOOL DAL_CML_getShowProfilesListByDefaultDefault(void);
 int32_t DAL_CML_deleteShowProfilesListByDefault(void);
 /** Removes the stored ShowProfilesListByDefault of all profile numbers. */
 int32_t DAL_CML_deleteAllShowProfilesListByDefault(void);
-/** Returns 1 if ShowProfilesListByDefault is stored, 0 if not. */
+/** Returns 0 if no ShowProfilesListByDefault is stored, else another number. */
 int32_t DAL_CML_isShowProfilesListByDefaultPresent(void);
 /** @} */
 
@@ -626,7 +634,7 @@ BOOL DAL_CML_getBeepsOnUsbUpdateDefault(void);
 int32_t DAL_CML_deleteBeepsOnUsbUpdate(void);
 /** Removes the stored BeepsOnUsbUpdate of all profile numbers. */
 int32_t DAL_CML_deleteAllBeepsOnUsbUpdate(void);
-/** Returns 1 if BeepsOnUsbUpdate is stored, 0 if not. */
+/** Returns 0 if no BeepsOnUsbUpdate is stored, else another number. */
 int32_t DAL_CML_isBeepsOnUsbUpdatePresent(void);
 /** @} */
 
@@ -641,7 +649,7 @@ BOOL DAL_CML_getShowPassengerCountTileDefault(void);
 int32_t DAL_CML_deleteShowPassengerCountTile(void);
 /** Removes the stored ShowPassengerCountTile of all profile numbers. */
 int32_t DAL_CML_deleteAllShowPassengerCountTile(void);
-/** Returns 1 if ShowPassengerCountTile is stored, 0 if not. */
+/** Returns 0 if no ShowPassengerCountTile is stored, else another number. */
 int32_t DAL_CML_isShowPassengerCountTilePresent(void);
 /** @} */
 
@@ -656,7 +664,7 @@ BOOL DAL_CML_getShowHomeScreenDateTimeDefault(void);
 int32_t DAL_CML_deleteShowHomeScreenDateTime(void);
 /** Removes the stored ShowHomeScreenDateTime of all profile numbers. */
 int32_t DAL_CML_deleteAllShowHomeScreenDateTime(void);
-/** Returns 1 if ShowHomeScreenDateTime is stored, 0 if not. */
+/** Returns 0 if no ShowHomeScreenDateTime is stored, else another number. */
 int32_t DAL_CML_isShowHomeScreenDateTimePresent(void);
 /** @} */
 
@@ -688,7 +696,7 @@ int32_t DAL_CML_getDestinationClearControlDefault(void);
 int32_t DAL_CML_deleteDestinationClearControl(void);
 /** Removes the stored DestinationClearControl of all profile numbers. */
 int32_t DAL_CML_deleteAllDestinationClearControl(void);
-/** Returns 1 if DestinationClearControl is stored, 0 if not. */
+/** Returns 0 if no DestinationClearControl is stored, else another number. */
 int32_t DAL_CML_isDestinationClearControlPresent(void);
 /** @} */
 
@@ -714,7 +722,7 @@ int32_t DAL_CML_getDateFormatDefault(void);
 int32_t DAL_CML_deleteDateFormat(void);
 /** Removes the stored DateFormat of all profile numbers. */
 int32_t DAL_CML_deleteAllDateFormat(void);
-/** Returns 1 if DateFormat is stored, 0 if not. */
+/** Returns 0 if no DateFormat is stored, else another number. */
 int32_t DAL_CML_isDateFormatPresent(void);
 /** @} */
 
@@ -744,7 +752,7 @@ int32_t DAL_CML_getDriverDestinationSelectionModeDefault(void);
 int32_t DAL_CML_deleteDriverDestinationSelectionMode(void);
 /** Removes the stored DriverDestinationSelectionMode of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverDestinationSelectionMode(void);
-/** Returns 1 if DriverDestinationSelectionMode is stored, 0 if not. */
+/** Returns 0 if no DriverDestinationSelectionMode is stored, else another number. */
 int32_t DAL_CML_isDriverDestinationSelectionModePresent(void);
 /** @} */
 
@@ -774,7 +782,7 @@ int32_t DAL_CML_getDriverInformationSelectionModeDefault(void);
 int32_t DAL_CML_deleteDriverInformationSelectionMode(void);
 /** Removes the stored DriverInformationSelectionMode of all profile numbers. */
 int32_t DAL_CML_deleteAllDriverInformationSelectionMode(void);
-/** Returns 1 if DriverInformationSelectionMode is stored, 0 if not. */
+/** Returns 0 if no DriverInformationSelectionMode is stored, else another number. */
 int32_t DAL_CML_isDriverInformationSelectionModePresent(void);
 /** @} */
 
@@ -796,7 +804,7 @@ int32_t DAL_CML_getThemeDefault(void);
 int32_t DAL_CML_deleteTheme(void);
 /** Removes the stored Theme of all profile numbers. */
 int32_t DAL_CML_deleteAllTheme(void);
-/** Returns 1 if Theme is stored, 0 if not. */
+/** Returns 0 if no Theme is stored, else another number. */
 int32_t DAL_CML_isThemePresent(void);
 /** @} */
 
@@ -821,7 +829,7 @@ int32_t DAL_CML_getAutoThemeDefault(void);
 int32_t DAL_CML_deleteAutoTheme(void);
 /** Removes the stored AutoTheme of all profile numbers. */
 int32_t DAL_CML_deleteAllAutoTheme(void);
-/** Returns 1 if AutoTheme is stored, 0 if not. */
+/** Returns 0 if no AutoTheme is stored, else another number. */
 int32_t DAL_CML_isAutoThemePresent(void);
 /** @} */
 
@@ -845,7 +853,7 @@ int32_t DAL_CML_getQorHotKeyIconDefault(void);
 int32_t DAL_CML_deleteQorHotKeyIcon(void);
 /** Removes the stored QorHotKeyIcon of all profile numbers. */
 int32_t DAL_CML_deleteAllQorHotKeyIcon(void);
-/** Returns 1 if QorHotKeyIcon is stored, 0 if not. */
+/** Returns 0 if no QorHotKeyIcon is stored, else another number. */
 int32_t DAL_CML_isQorHotKeyIconPresent(void);
 /** @} */
 
@@ -854,17 +862,20 @@ int32_t DAL_CML_isQorHotKeyIconPresent(void);
  * A list is a map from node ids to one value each. A node id is a text of the caller's choice,
  * never null. For a list's item setting S the family is that of above with the node id in front
  * (but for getSDefault, since all nodes have one default); deleteAllS removes the item of that one
- * node under all profile numbers. A node comes into being with the first set of its item and stays
- * when the item alone is deleted. All lists are profiled.
+ * node under all profile numbers. A node comes into being with the first set of its item. All lists
+ * are profiled.
  *
  * For the nodes N of a list:
  *
  *     DAL_CML_deleteN       removes one node with its item
  *     DAL_CML_deleteAllNs   removes all nodes, under all profile numbers
- *     DAL_CML_isNPresent    1 if there is such a node, 0 if not
- *     DAL_CML_listNs        the node ids in ascending strcmp order: an array that a null pointer
- *                           ends, for an empty list nothing but that. Array and ids are blocks from
- *                           malloc; the caller frees each id and then the array. Null on a failure.
+ *     DAL_CML_isNPresent    0 if there is no such node, else another number
+ *     DAL_CML_listNs        the node ids
+ *
+ * The form of a listing, who frees it, and whether a node stays when its item alone is deleted, is
+ * the data access library's choice. A node stays with the stand-in, and its listing is an array
+ * that a null pointer ends, in ascending strcmp order: the caller frees each id and then the array.
+ * It is null on a failure.
  */
 
 /** @{ @name BrowserDestinationHideItem */
@@ -881,15 +892,15 @@ int32_t DAL_CML_getBrowserDestinationHideItemDefault(void);
 int32_t DAL_CML_deleteBrowserDestinationHideItem(const char* nodeId);
 /** Removes the BrowserDestinationHideItem of one node under all profile numbers. */
 int32_t DAL_CML_deleteAllBrowserDestinationHideItem(const char* nodeId);
-/** Returns 1 if the BrowserDestinationHideItem of a node is stored, 0 if not. */
+/** Returns 0 if no BrowserDestinationHideItem of the node is stored, else another number. */
 int32_t DAL_CML_isBrowserDestinationHideItemPresent(const char* nodeId);
 /** Removes a node of "browser_destination_hide_list" with its BrowserDestinationHideItem. */
 int32_t DAL_CML_deleteBrowserDestinationHideListNode(const char* nodeId);
 /** Removes all nodes of "browser_destination_hide_list", under all profile numbers. */
 int32_t DAL_CML_deleteAllBrowserDestinationHideListNodes(void);
-/** Returns 1 if "browser_destination_hide_list" has the node, 0 if not. */
+/** Returns 0 if "browser_destination_hide_list" has no such node, else another number. */
 int32_t DAL_CML_isBrowserDestinationHideListNodePresent(const char* nodeId);
-/** Lists the node ids of "browser_destination_hide_list"; the caller frees each and the array. */
+/** Lists the node ids of "browser_destination_hide_list". */
 char** DAL_CML_listBrowserDestinationHideListNodes(void);
 /** @} */
 
@@ -907,15 +918,15 @@ int32_t DAL_CML_getBrowserInformationHideItemDefault(void);
 int32_t DAL_CML_deleteBrowserInformationHideItem(const char* nodeId);
 /** Removes the BrowserInformationHideItem of one node under all profile numbers. */
 int32_t DAL_CML_deleteAllBrowserInformationHideItem(const char* nodeId);
-/** Returns 1 if the BrowserInformationHideItem of a node is stored, 0 if not. */
+/** Returns 0 if no BrowserInformationHideItem of the node is stored, else another number. */
 int32_t DAL_CML_isBrowserInformationHideItemPresent(const char* nodeId);
 /** Removes a node of "browser_information_hide_list" with its BrowserInformationHideItem. */
 int32_t DAL_CML_deleteBrowserInformationHideListNode(const char* nodeId);
 /** Removes all nodes of "browser_information_hide_list", under all profile numbers. */
 int32_t DAL_CML_deleteAllBrowserInformationHideListNodes(void);
-/** Returns 1 if "browser_information_hide_list" has the node, 0 if not. */
+/** Returns 0 if "browser_information_hide_list" has no such node, else another number. */
 int32_t DAL_CML_isBrowserInformationHideListNodePresent(const char* nodeId);
-/** Lists the node ids of "browser_information_hide_list"; the caller frees each and the array. */
+/** Lists the node ids of "browser_information_hide_list". */
 char** DAL_CML_listBrowserInformationHideListNodes(void);
 /** @} */
 
@@ -926,7 +937,7 @@ char** DAL_CML_listBrowserInformationHideListNodes(void);
  */
 int32_t DAL_CML_getHomeScreenIcon(const char* nodeId, char* buffer, uint32_t* valueInfo,
                                   size_t size);
-/** Delivers the stored HomeScreenIcon of a node in a block from malloc; null if there is none. */
+/** Delivers the stored HomeScreenIcon of a node in a block from malloc; there is no default. */
 int32_t DAL_CML_getHomeScreenIconMalloc(const char* nodeId, char** value, uint32_t* valueInfo);
 /** Stores an icon of the home screen, and its node if that is new. */
 int32_t DAL_CML_setHomeScreenIcon(const char* nodeId, const char* value);
@@ -936,15 +947,15 @@ const char* DAL_CML_getHomeScreenIconDefault(void);
 int32_t DAL_CML_deleteHomeScreenIcon(const char* nodeId);
 /** Removes the HomeScreenIcon of one node under all profile numbers. */
 int32_t DAL_CML_deleteAllHomeScreenIcon(const char* nodeId);
-/** Returns 1 if the HomeScreenIcon of a node is stored, 0 if not. */
+/** Returns 0 if no HomeScreenIcon of the node is stored, else another number. */
 int32_t DAL_CML_isHomeScreenIconPresent(const char* nodeId);
 /** Removes a node of "home_screen_icons" with its HomeScreenIcon. */
 int32_t DAL_CML_deleteHomeScreenIconsNode(const char* nodeId);
 /** Removes all nodes of "home_screen_icons", under all profile numbers. */
 int32_t DAL_CML_deleteAllHomeScreenIconsNodes(void);
-/** Returns 1 if "home_screen_icons" has the node, 0 if not. */
+/** Returns 0 if "home_screen_icons" has no such node, else another number. */
 int32_t DAL_CML_isHomeScreenIconsNodePresent(const char* nodeId);
-/** Lists the node ids of "home_screen_icons"; the caller frees each and the array. */
+/** Lists the node ids of "home_screen_icons". */
 char** DAL_CML_listHomeScreenIconsNodes(void);
 /** @} */
 
@@ -956,8 +967,8 @@ char** DAL_CML_listHomeScreenIconsNodes(void);
 int32_t DAL_CML_getQorHotKeySelectListItem(const char* nodeId, char* buffer, uint32_t* valueInfo,
                                            size_t size);
 /**
- * Delivers the stored QorHotKeySelectListItem of a node in a block from malloc; null if there is
- * none.
+ * Delivers the stored QorHotKeySelectListItem of a node in a block from malloc; there is no
+ * default.
  */
 int32_t DAL_CML_getQorHotKeySelectListItemMalloc(const char* nodeId, char** value,
                                                  uint32_t* valueInfo);
@@ -969,15 +980,15 @@ const char* DAL_CML_getQorHotKeySelectListItemDefault(void);
 int32_t DAL_CML_deleteQorHotKeySelectListItem(const char* nodeId);
 /** Removes the QorHotKeySelectListItem of one node under all profile numbers. */
 int32_t DAL_CML_deleteAllQorHotKeySelectListItem(const char* nodeId);
-/** Returns 1 if the QorHotKeySelectListItem of a node is stored, 0 if not. */
+/** Returns 0 if no QorHotKeySelectListItem of the node is stored, else another number. */
 int32_t DAL_CML_isQorHotKeySelectListItemPresent(const char* nodeId);
 /** Removes a node of "qor_hot_key_select_list" with its QorHotKeySelectListItem. */
 int32_t DAL_CML_deleteQorHotKeySelectListNode(const char* nodeId);
 /** Removes all nodes of "qor_hot_key_select_list", under all profile numbers. */
 int32_t DAL_CML_deleteAllQorHotKeySelectListNodes(void);
-/** Returns 1 if "qor_hot_key_select_list" has the node, 0 if not. */
+/** Returns 0 if "qor_hot_key_select_list" has no such node, else another number. */
 int32_t DAL_CML_isQorHotKeySelectListNodePresent(const char* nodeId);
-/** Lists the node ids of "qor_hot_key_select_list"; the caller frees each and the array. */
+/** Lists the node ids of "qor_hot_key_select_list". */
 char** DAL_CML_listQorHotKeySelectListNodes(void);
 /** @} */
 
@@ -989,7 +1000,7 @@ char** DAL_CML_listQorHotKeySelectListNodes(void);
 int32_t DAL_CML_getIconsMenuFavourite(const char* nodeId, char* buffer, uint32_t* valueInfo,
                                       size_t size);
 /**
- * Delivers the stored IconsMenuFavourite of a node in a block from malloc; null if there is none.
+ * Delivers the stored IconsMenuFavourite of a node in a block from malloc; there is no default.
  */
 int32_t DAL_CML_getIconsMenuFavouriteMalloc(const char* nodeId, char** value, uint32_t* valueInfo);
 /** Stores a favourite of the icons menu, and its node if that is new. */
@@ -1000,15 +1011,15 @@ const char* DAL_CML_getIconsMenuFavouriteDefault(void);
 int32_t DAL_CML_deleteIconsMenuFavourite(const char* nodeId);
 /** Removes the IconsMenuFavourite of one node under all profile numbers. */
 int32_t DAL_CML_deleteAllIconsMenuFavourite(const char* nodeId);
-/** Returns 1 if the IconsMenuFavourite of a node is stored, 0 if not. */
+/** Returns 0 if no IconsMenuFavourite of the node is stored, else another number. */
 int32_t DAL_CML_isIconsMenuFavouritePresent(const char* nodeId);
 /** Removes a node of "icons_menu_favourites" with its IconsMenuFavourite. */
 int32_t DAL_CML_deleteIconsMenuFavouritesNode(const char* nodeId);
 /** Removes all nodes of "icons_menu_favourites", under all profile numbers. */
 int32_t DAL_CML_deleteAllIconsMenuFavouritesNodes(void);
-/** Returns 1 if "icons_menu_favourites" has the node, 0 if not. */
+/** Returns 0 if "icons_menu_favourites" has no such node, else another number. */
 int32_t DAL_CML_isIconsMenuFavouritesNodePresent(const char* nodeId);
-/** Lists the node ids of "icons_menu_favourites"; the caller frees each and the array. */
+/** Lists the node ids of "icons_menu_favourites". */
 char** DAL_CML_listIconsMenuFavouritesNodes(void);
 /** @} */
 

@@ -9,7 +9,8 @@
  * FATAL FAILURES. Most failures end the whole process by exit(1), after a line on stderr: memory
  * for a handle runs out, a netlink socket can't be opened, switched, written or read, the kernel
  * has no nl80211. There is no way to turn that off. An application that can't accept it makes the
- * call in a child process. Each function below says which failures come back to the caller.
+ * call in a child process, as the example wifi_scan.c does. Each function below says which failures
+ * come back to the caller.
  *
  * Messages. All go to stderr. Some tell of a fault in what the kernel sent that costs one
  * attribute, one network's name or one message, and the call goes on.
@@ -78,25 +79,28 @@ void wifi_scan_close(wifi_data* wifi);
  * It takes the results of a scan that anybody has started or finished since the handle was opened
  * or last scanned, if there was one, and otherwise starts a scan of all channels itself. It waits
  * until the kernel has the results, for which there is no time limit: some seconds as a rule. A
- * scan of another wireless port counts like one of this port, and the list may then be an old one.
+ * scan of another wireless port counts like one of this port, and the list may then be an old one;
+ * if it is given up, though, this call goes on with a scan of its own port.
  *
- * A network that the port belongs to (by its status) is in element 0,
- * wherever the kernel listed it and however small the array is. The array isn't cleared: a figure
- * that the kernel didn't send keeps what the element held before, status alone is always written.
- * A list that can't be read, or breaks off, counts as far as it was read.
+ * A network that the port belongs to, by its status, is in element 0, wherever the kernel listed it
+ * and however small the array is. The array isn't cleared: a figure that the kernel didn't send
+ * keeps what the element held before, status alone is always written. A list that can't be read, or
+ * breaks off, counts as far as it was read.
  *
  * Fatal: a failure of the handle's sockets. A signal that ends the wait is one, if its handler was
- * set without SA_RESTART; and so are more notifications of scans than the kernel queues for the
- * handle between two calls. Don't keep a handle open for hours without scanning.
+ * set without SA_RESTART. So is a queue of notifications that overflows between two calls: with the
+ * kernel's default buffers some 75 scans by others, of any port, fill it. Scan more often than
+ * that, or open a handle for each scan. wifi_scan_station() and CML_getWifiStatus() don't use the
+ * queue.
  *
  * @param wifi The handle, not null.
  * @param[out] records The caller's array; may be null if capacity is 0.
  * @param capacity Its number of elements.
  * @return how many networks the kernel listed, which can be more than capacity: the array then
  *         holds the first ones. -1 if the kernel refused the scan (the port is down or isn't
- *         wireless, another scan is running, the process lacks CAP_NET_ADMIN) or gave up a scan
- *         while it was waited for (the port was taken down, for one). The handle stays good, and
- *         the next call tries anew.
+ *         wireless, another scan keeps the radio busy, the process lacks CAP_NET_ADMIN) or gave up
+ *         this port's scan while it was waited for (the port was taken down, for one). The handle
+ *         stays good, and the next call tries anew.
  */
 int32_t wifi_scan_all(wifi_data* wifi, wifi_bss_record* records, int32_t capacity);
 

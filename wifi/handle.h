@@ -3,10 +3,7 @@
 #include <memory>
 
 #include "console-manager/wifi.h"
-
-struct CloseHandle {
-    void operator()(wifi_data* wifi) const { wifi_scan_close(wifi); }
-};
+#include "system/deleted_by.h"
 
 // A scanner handle that is closed at the end of its life.
-using Handle = std::unique_ptr<wifi_data, CloseHandle>;
+using Handle = std::unique_ptr<wifi_data, DeletedBy<wifi_scan_close>>;

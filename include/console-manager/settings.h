@@ -1,5 +1,5 @@
 /** @file
- * The console's settings: read, write, reset and test each of the 49 settings.
+ * The console's settings: read, write, reset and test each one.
  *
  * Where they live. All settings but one are rows of "/mnt/vex-data/m7/console-manager.db", on the
  * data mount; AutoTheme is in "/tmp/m7/console-manager.db" and lasts as long as that file. The

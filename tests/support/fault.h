@@ -19,13 +19,18 @@ class Within {
     bool before;
 };
 
-constexpr auto plainly = [](auto call) { return call(); };
-
 // Calls the library where that can be made to fail.
-constexpr auto within = [](auto call) {
+auto within(const auto& call, auto... arguments) {
     const Within library(true);
-    return call();
-};
+    return call(arguments...);
+}
+
+// The same of a function that has this very type.
+template <typename Result, typename... Arguments>
+Result callWithin(Result (*function)(Arguments...), Arguments... arguments) {
+    const Within library(true);
+    return function(arguments...);
+}
 
 inline struct Fault {
     const char* function = "";

@@ -11,8 +11,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
-void Sandbox::SetUp() {
+// False if the system refuses.
+static bool enterNamespaces() {
     // A user namespace makes an ordinary user root of the test's own world.
     const std::string uid = std::to_string(geteuid());
     const std::string gid = std::to_string(getegid());
@@ -21,16 +23,23 @@ void Sandbox::SetUp() {
         writeFile("/proc/self/uid_map", "0 " + uid + " 1");
         writeFile("/proc/self/gid_map", "0 " + gid + " 1");
     }
-    if (unshare(CLONE_NEWNS | CLONE_NEWNET) != 0 ||
-        mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) != 0) {
+    return unshare(CLONE_NEWNS | CLONE_NEWNET) == 0 &&
+           mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+void Sandbox::SetUp() {
+    static bool isWithin = false;
+    if (!isWithin && !enterNamespaces()) {
         GTEST_SKIP() << "no namespaces here: " << std::strerror(errno);
     }
-    // Where the board has its programs only its PATH tells; an ordinary user's may lack ip.
-    setenv("PATH", ("/mnt/test/bin:/usr/sbin:/sbin:" + std::string(getenv("PATH"))).c_str(), 1);
-    // sysfs shows the network namespace in which it was mounted.
-    run("mkdir -p /tmp/m7 && mount -t tmpfs none /tmp/m7 && mount -t tmpfs none /mnt && "
-        "mkdir -p /mnt/test/bin && mount -t sysfs none /sys && ip link set lo up");
-    ASSERT_FALSE(HasFailure()) << "the machine's own files would be touched";
+    if (!std::exchange(isWithin, true)) {
+        // Where the board has its programs only its PATH tells; an ordinary user's may lack ip.
+        setenv("PATH", ("/mnt/test/bin:/usr/sbin:/sbin:" + std::string(getenv("PATH"))).c_str(), 1);
+        // sysfs shows the network namespace in which it was mounted.
+        run("mkdir -p /tmp/m7 && mount -t tmpfs none /tmp/m7 && mount -t tmpfs none /mnt && "
+            "mkdir -p /mnt/test/bin && mount -t sysfs none /sys && ip link set lo up");
+        ASSERT_FALSE(HasFailure()) << "the machine's own files would be touched";
+    }
     prepare();
 }
 
@@ -45,6 +54,18 @@ void Sandbox::putProgram(const std::string& name, std::string_view script) {
     const std::string path = "/mnt/test/bin/" + name;
     writeFile(path, "#!/bin/sh\n" + std::string(script) + "\n");
     ASSERT_EQ(chmod(path.c_str(), 0755), 0);
+}
+
+void Sandbox::addPorts() {
+    // A link shows in the flags only when the kernel has come round to it.
+    run("test -e /sys/class/net/wire || { ip link add wire type veth peer name peer && ip link set "
+        "peer up && "
+        "ip link set wire address 02:00:5e:10:00:01 up && "
+        "ip link add lone type veth peer name end && ip link set lone up && "
+        "sysctl -qw net.ipv6.conf.wire.accept_dad=0 && ip addr add 192.0.2.5/25 dev wire && "
+        "ip addr add 192.0.2.200/32 dev wire && ip addr add 2001:db8::5/64 dev wire nodad && "
+        "cd /sys/class/net && until grep -q up wire/operstate && grep -q up peer/operstate && "
+        "grep -q lowerlayerdown lone/operstate; do :; done; }");
 }
 
 std::string Sandbox::run(const std::string& command) {

@@ -10,7 +10,8 @@
 
 // A fixture whose tests run in their own mount and network namespaces, with an empty tmpfs where
 // the library writes ("/mnt", "/tmp/m7") and where the tests may ("/mnt/test"), and with the
-// loopback port up. Where the system refuses namespaces the test is skipped.
+// loopback port up. Tests of one process share them. Where the system refuses namespaces the test
+// is skipped.
 class Sandbox : public testing::Test {
   protected:
     void SetUp() override;
@@ -25,6 +26,10 @@ class Sandbox : public testing::Test {
     // Puts an executable shell script in front of every other program of that name.
     static void putProgram(const std::string& name, std::string_view script);
 
+    // Makes ports: wire with an address of each kind and a link to peer; lone without a link, as
+    // its end is down.
+    static void addPorts();
+
     // Runs a shell command and returns its standard output; a failing command fails the test.
     static std::string run(const std::string& command);
 };
@@ -33,6 +38,8 @@ class Sandbox : public testing::Test {
 template <typename... Part>
 std::string joined(const Part&... parts) {
     std::ostringstream words;
+    words.imbue(std::locale::classic());
+    words.precision(10);
     ((words << parts << ' '), ...);
     std::string text = words.str();
     text.pop_back();

@@ -1,26 +1,15 @@
 // The settings on real databases.
-#include <dlfcn.h>
-#include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <array>
-#include <atomic>
-#include <csignal>
-#include <thread>
+#include <cctype>
 
-#include "console-manager/settings.h"
 #include "contracts/qor_core.h"
-#include "support/sandbox.h"
+#include "support/setting.h"
 #include "support/sqlite_query.h"
 
 // The logging libraries, played. A record is told by its first word, and none by 0.
 static std::array<TDL_LoggerRecord*, 2> loggers;  // what TDL_logger answers, in turns
 static size_t asked = 0;
 static std::string printed;
-
-static int writesLeft = -1;  // until the process kills itself in the middle of one; -1 for never
-static std::atomic<bool> synced = false;
 
 TDL_LoggerRecord* TDL_logger(void) {
     return loggers[asked++ % 2];
@@ -31,99 +20,97 @@ void qor_logger_print3(TDL_LoggerRecord* logger, int level, int zero1, int zero2
     char text[100];
     std::vsnprintf(text, sizeof text, format, arguments);
     const auto number = logger == nullptr ? 0 : logger->reserved;
-    printed += testing::PrintToString(std::tuple(number, level, zero1, zero2, zero3, zero4)) + text;
-}
-
-// SQLite's writes and syncs.
-extern "C" ssize_t pwrite64(int file, const void* bytes, size_t size, off64_t offset) {
-    static const auto next = reinterpret_cast<decltype(&pwrite64)>(dlsym(RTLD_NEXT, "pwrite64"));
-    if (writesLeft > 0 && --writesLeft == 0) {
-        next(file, bytes, size / 2, offset);
-        kill(getpid(), SIGKILL);
-    }
-    return next(file, bytes, size, offset);
-}
-
-extern "C" int fdatasync(int) {
-    synced = true;
-    return 0;
+    printed += joined(number, level, zero1, zero2, zero3, zero4, text);
 }
 
 namespace {
 
-const std::string kValues = "SELECT c_dal_value FROM tbl_dal_key_dal_value";
+// In lower case, with a separator between words.
+std::string spelled(const std::string& name, char separator) {
+    std::string words;
+    for (const char c : name) {
+        words += std::isupper(c) && !words.empty() ? std::string(1, separator) : "";
+        words += static_cast<char>(std::tolower(c));
+    }
+    return words;
+}
 
-using SettingsTest = Sandbox;
+// Of a list, which is the @.
+const std::string kTables =
+    "CREATE TABLE tbl_@ (c_@ TEXT, c_dal_profile_no TEXT, UNIQUE(c_@, c_dal_profile_no)) "
+    "CREATE TABLE tbl_@_dal_key_dal_value (c_@ TEXT, c_dal_key TEXT, c_dal_profile_no TEXT, "
+    "c_dal_value TEXT, UNIQUE(c_@, c_dal_key, c_dal_profile_no), FOREIGN KEY(c_@, "
+    "c_dal_profile_no) REFERENCES tbl_@ (c_@, c_dal_profile_no) ON DELETE CASCADE ON UPDATE "
+    "CASCADE)";
 
-// A number that a test shares with the processes that it starts.
-std::atomic<int32_t>& shared =
-    *new (mmap(nullptr, sizeof shared, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
-        std::atomic<int32_t>;
+using Settings = Sandbox;
 
-// Runs work in processes of their own at once, which end with the statuses that it gives.
-std::vector<int> statuses(size_t processes, auto work) {
-    for (size_t process = 0; process < processes; ++process) {
-        if (fork() == 0) {
-            _exit(work(process));
+class EachSetting : public Sandbox, public testing::WithParamInterface<Setting> {
+  protected:
+    void checkItem() const {
+        EXPECT_EQ(setting.getDefault(), setting.initial);
+        EXPECT_EQ(setting.get(), "ok " + setting.initial);
+        const bool isEnumerated = !setting.words.empty();
+        const Texts values = setting.getMalloc ? Texts{"a'b"}
+                             : isEnumerated    ? Texts{"0", "1", "2", "3", "4", "-1"}
+                                               : Texts{"-2147483648", "2147483647"};
+        Texts stored = isEnumerated ? setting.words : values;
+        stored.resize(values.size());
+        for (size_t i = 0; i < values.size(); ++i) {
+            EXPECT_EQ(setting.set(values[i]), 0);
+            EXPECT_EQ(rows(), (setting.isProfiled ? "0=" : "=") + stored[i]);
+            EXPECT_EQ(setting.get(), "ok " + (stored[i].empty() ? setting.initial : values[i]));
         }
+        EXPECT_EQ(setting.isPresent(), 1);
+        EXPECT_TRUE(!setting.getMalloc || setting.getMalloc() == setting.get());
+        inDatabase("UPDATE " + items + " SET c_dal_profile_no = '3'");
+        EXPECT_EQ(setting.set("1") + setting.deleteItem(), 0);
+        EXPECT_EQ(setting.isPresent(), 0);
+        EXPECT_TRUE(!setting.getMalloc || setting.getMalloc() == "failed null");
+        EXPECT_EQ(rows(), "3=" + stored.back());
+        EXPECT_EQ(setting.set("1") + setting.deleteAll(), 0);
+        EXPECT_EQ(rows(), "") << "every profile's, and the unprofiled";
     }
-    std::vector<int> all(processes, -1);
-    for (int& status : all) {
-        wait(&status);
+
+    void checkNodes() const {
+        EXPECT_EQ(inDatabase("SELECT replace(sql, '" + list +
+                             "', '@') FROM sqlite_master WHERE sql LIKE '%" + nodes + "%'"),
+                  kTables);
+        inDatabase("INSERT INTO " + nodes + " VALUES ('n', '3')");
+        EXPECT_EQ(setting.list.isNodePresent("n"), 1) << "its item's delete leaves it";
+        EXPECT_EQ(take(setting.list.nodes()), Texts{"n"});
+        EXPECT_EQ(setting.list.deleteNode("n") + setting.list.isNodePresent("n"), 0);
+        EXPECT_EQ(inDatabase("SELECT * FROM " + nodes), "n|3");
+        EXPECT_EQ(setting.list.deleteAllNodes(), 0);
+        EXPECT_EQ(inDatabase("SELECT * FROM " + nodes), "");
     }
-    return all;
+
+    std::string inDatabase(const std::string& sql) const { return query(database, sql); }
+
+    // Profile and value.
+    std::string rows() const {
+        return inDatabase("SELECT c_dal_profile_no || '=' || c_dal_value FROM " + items +
+                          " WHERE c_dal_key = '" + spelled(setting.name, '-') + "' ORDER BY 1");
+    }
+
+    Setting setting = GetParam();
+    std::string database = setting.name == "AutoTheme" ? kVolatileFile : kFile;
+    std::string list = spelled(setting.list.name, '_');
+    std::string nodes = "tbl_" + list;
+    std::string items = (list.empty() ? "tbl" : nodes) + "_dal_key_dal_value";
+};
+
+TEST_P(EachSetting, HasItsFunctionsAndItsRow) {
+    checkItem();
+    if (!list.empty()) {
+        checkNodes();
+    }
 }
 
-TEST_F(SettingsTest, StoredTextThatHasNoMeaningReadsAsTheDefault) {
-    const std::pair<std::string, int32_t> cases[] = {
-        {"12", 12}, {"12x", 30}, {" 12", 30}, {"2147483648", 30}};
-    ASSERT_EQ(DAL_CML_setDisplayOffTimeout(2), 0);
-    for (const auto& [stored, expected] : cases) {
-        query(kFile, "UPDATE tbl_dal_key_dal_value SET c_dal_value = '" + stored + "'");
-        int32_t timeout = -9;
-        EXPECT_EQ(DAL_CML_getDisplayOffTimeout(&timeout), 0);
-        EXPECT_EQ(timeout, expected) << stored;
-    }
-}
+INSTANTIATE_TEST_SUITE_P(Settings, EachSetting, testing::ValuesIn(kSettings),
+                         [](const auto& of) { return of.param.name; });
 
-TEST_F(SettingsTest, StringsAreCutAtTheBuffer) {
-    ASSERT_EQ(DAL_CML_setLanguage("ABCDE"), 0);
-    const std::pair<size_t, std::string> cases[] = {
-        {0, "######"}, {1, {"\0#####", 6}}, {5, {"ABCD\0#", 6}}, {6, {"ABCDE\0", 6}}};
-    uint32_t length = 0;
-    for (const auto& [size, expected] : cases) {
-        std::string buffer = "######";
-        EXPECT_EQ(DAL_CML_getLanguage(buffer.data(), &length, size), 0);
-        EXPECT_EQ(buffer, expected);
-        EXPECT_EQ(length, 5u);
-    }
-    EXPECT_NE(DAL_CML_setLanguage(nullptr), 0);
-    EXPECT_EQ(DAL_CML_deleteLanguage(), 0);
-    EXPECT_EQ(DAL_CML_getLanguage(nullptr, &length, 8), 0);
-    EXPECT_EQ(length, 2u) << "the default's";
-}
-
-TEST_F(SettingsTest, ListsHoldNodesWithTheirItemsUntilAllIsDeleted) {
-    for (const char* id : {"b", "a b", "B", "", "\xc3\xa9"}) {
-        EXPECT_EQ(DAL_CML_setHomeScreenIcon(id, "x"), 0);
-    }
-    EXPECT_EQ(take(DAL_CML_listHomeScreenIconsNodes()), (Texts{"", "B", "a b", "b", "\xc3\xa9"}));
-    EXPECT_NE(DAL_CML_deleteHomeScreenIconsNode(nullptr), 0) << "and clears no list";
-    EXPECT_EQ(DAL_CML_deleteHomeScreenIconsNode("b"), 0);
-    EXPECT_EQ(query(kFile, "SELECT count(*) FROM tbl_home_screen_icons_dal_key_dal_value"), "4");
-
-    EXPECT_EQ(DAL_CML_setTheme(1) + DAL_CML_setAutoTheme(2), 0);
-    EXPECT_EQ(query(kFile, kValues) + query(kVolatileFile, kValues), "DARKAUTO");
-    EXPECT_EQ(DAL_CML_deleteAll(), 0);
-    EXPECT_EQ(query(kFile, kValues) + query(kVolatileFile, kValues), "");
-    char** const empty = DAL_CML_listHomeScreenIconsNodes();
-    EXPECT_NE(empty, nullptr);
-    EXPECT_EQ(take(empty), Texts());
-    EXPECT_EQ(DAL_CML_setTheme(1), 0);
-    EXPECT_EQ(query(kFile, kValues), "DARK") << "no transaction is left open";
-}
-
-TEST_F(SettingsTest, AnUnusableDatabaseIsReportedAndTriedAgain) {
+TEST_F(Settings, AnUnusableDatabaseIsReportedAndTriedAgain) {
     TDL_LoggerRecord silent{1, ~2u};
     TDL_LoggerRecord enabled{2, 2u};
     // The loggers, and to which of them is printed.
@@ -139,8 +126,7 @@ TEST_F(SettingsTest, AnUnusableDatabaseIsReportedAndTriedAgain) {
             asked = 0;
             printed.clear();
             EXPECT_NE(DAL_CML_setLanguage("FR"), 0);
-            EXPECT_EQ(printed,
-                      printedTo.empty() ? "" : "(" + printedTo + ", 2, 0, 0, 0, 0)" + message);
+            EXPECT_EQ(printed, printedTo.empty() ? "" : printedTo + " 2 0 0 0 0 " + message);
         }
         EXPECT_EQ(DAL_CML_listHomeScreenIconsNodes(), nullptr);
         EXPECT_EQ(DAL_CML_setAutoTheme(2), 0) << "the volatile one is its own";
@@ -148,49 +134,7 @@ TEST_F(SettingsTest, AnUnusableDatabaseIsReportedAndTriedAgain) {
         EXPECT_EQ(DAL_CML_isAutoThemePresent(), 0) << "and is cleared alone";
         run("rm -r /mnt/vex-data");
     }
-    EXPECT_EQ(DAL_CML_setLanguage("FR"), 0);
-}
-
-TEST_F(SettingsTest, AKillLosesNothingAcknowledged) {
-    // From the making of the tables up to a checkpoint of the journal.
-    for (int writes = 1; writes < 4000; writes += 1 + writes / 8) {
-        const auto work = [writes](size_t) {
-            writesLeft = writes;
-            const std::string text(300, 'x');
-            for (int32_t value = shared + 1;; ++value) {
-                synced = false;
-                if (DAL_CML_setDisplayOffTimeout(value) != 0 || !synced) {
-                    return 1;
-                }
-                shared = value;
-                DAL_CML_setHomeScreenIcon(std::to_string(value % 50).c_str(), text.c_str());
-            }
-        };
-        ASSERT_EQ(statuses(1, work), std::vector{SIGKILL});
-        ASSERT_EQ(query(kFile, "PRAGMA integrity_check; PRAGMA foreign_key_check"), "ok");
-        // No row reads as 0. What was not acknowledged may be there, too.
-        const int32_t stored = std::atoi(query(kFile, kValues).c_str());
-        ASSERT_TRUE(stored == shared || stored == shared + 1) << stored << " " << shared;
-        shared = stored;
-    }
-}
-
-TEST_F(SettingsTest, ProcessesWaitForEachOther) {
-    // All make the tables at once, and then write.
-    const auto work = [](size_t process) {
-        ++shared;
-        while (shared < 4) {
-            std::this_thread::yield();
-        }
-        int failures = 0;
-        for (int i = 0; i < 200; ++i) {
-            const std::string id = std::to_string(process) + "-" + std::to_string(i);
-            failures += DAL_CML_setHomeScreenIcon(id.c_str(), "x") != 0;
-        }
-        return failures;
-    };
-    EXPECT_EQ(statuses(4, work), std::vector(4, 0));
-    EXPECT_EQ(take(DAL_CML_listHomeScreenIconsNodes()).size(), 800u);
+    EXPECT_EQ(DAL_CML_setLanguage("FR") + DAL_CML_deleteLanguage(), 0);
 }
 
 }  // namespace

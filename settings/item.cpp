@@ -14,7 +14,7 @@ constexpr int32_t kProfile = 0;  // the one that the settings address
 constexpr uint32_t kExtra = 0;
 constexpr size_t kWordSize = 65;
 
-sqlite3* open(const Item& item) {
+sqlite3* connectionOf(const Item& item) {
     return item.database == Database::Persistent ? openPersistentDatabase()
                                                  : openVolatileDatabase();
 }
@@ -59,14 +59,14 @@ const char* textOf(int32_t number, Words words) {
 }  // namespace
 
 int32_t getBOOL(const Item& item, const char* nodeId, BOOL* value, BOOL initial) {
-    sqlite3* const db = open(item);
+    sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
     return isProfiled(item) ? DAL_getProfiledTypeBOOL(db, &path, value, initial, kProfile)
                             : DAL_getTypeBOOL(db, &path, value, initial);
 }
 
 int32_t getInt(const Item& item, const char* nodeId, int32_t* value, int32_t initial) {
-    sqlite3* const db = open(item);
+    sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
     return isProfiled(item) ? DAL_getProfiledTypeInt(db, &path, value, initial, kProfile)
                             : DAL_getTypeInt(db, &path, value, initial);
@@ -74,7 +74,7 @@ int32_t getInt(const Item& item, const char* nodeId, int32_t* value, int32_t ini
 
 int32_t getString(const Item& item, const char* nodeId, char* buffer, uint32_t* valueInfo,
                   size_t size, const char* initial) {
-    sqlite3* const db = open(item);
+    sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
     return isProfiled(item)
                ? DAL_getProfiledTypeString(db, &path, buffer, valueInfo, size, initial, kProfile)
@@ -82,14 +82,14 @@ int32_t getString(const Item& item, const char* nodeId, char* buffer, uint32_t* 
 }
 
 int32_t getStringMalloc(const Item& item, const char* nodeId, char** value, uint32_t* valueInfo) {
-    sqlite3* const db = open(item);
+    sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
     return isProfiled(item) ? DAL_getProfiledTypeStringMalloc(db, &path, value, valueInfo, kProfile)
                             : DAL_getTypeStringMalloc(db, &path, value, valueInfo);
 }
 
 int32_t setBOOL(const Item& item, const char* nodeId, BOOL value) {
-    sqlite3* const db = open(item);
+    sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
     return isProfiled(item) ? DAL_setProfiledTypeBOOLLimits(db, &path, value, kExtra, kMinimum,
                                                             kMaximum, kProfile)
@@ -97,7 +97,7 @@ int32_t setBOOL(const Item& item, const char* nodeId, BOOL value) {
 }
 
 int32_t setInt(const Item& item, const char* nodeId, int32_t value) {
-    sqlite3* const db = open(item);
+    sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
     return isProfiled(item) ? DAL_setProfiledTypeIntLimits(db, &path, value, kExtra, kMinimum,
                                                            kMaximum, kProfile)
@@ -105,14 +105,14 @@ int32_t setInt(const Item& item, const char* nodeId, int32_t value) {
 }
 
 int32_t setString(const Item& item, const char* nodeId, const char* value) {
-    sqlite3* const db = open(item);
+    sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
     return isProfiled(item) ? DAL_setProfiledTypeString(db, &path, value, kExtra, kProfile)
                             : DAL_setTypeString(db, &path, value, kExtra);
 }
 
 int32_t deleteItem(const Item& item, const char* nodeId) {
-    sqlite3* const db = open(item);
+    sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
     return isProfiled(item) ? DAL_deleteProfiledItem(db, &path, kProfile)
                             : DAL_deleteItem(db, &path);
@@ -121,35 +121,35 @@ int32_t deleteItem(const Item& item, const char* nodeId) {
 // In both scopes: an unprofiled item has its row under a profile number of the data access
 // library's choice, which this call reaches.
 int32_t deleteInAllProfiles(const Item& item, const char* nodeId) {
-    sqlite3* const db = open(item);
+    sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
     return DAL_deleteProfiledItem(db, &path, DAL_ALL_PROFILES);
 }
 
 int32_t isPresent(const Item& item, const char* nodeId) {
-    sqlite3* const db = open(item);
+    sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
     return isProfiled(item) ? DAL_isProfiledPresent(db, &path, kProfile) : DAL_isPresent(db, &path);
 }
 
 int32_t deleteNode(const Item& item, const char* nodeId) {
     const KeyPath path = nodePath(item, nodeId);
-    return DAL_deleteProfiledNodeItem(open(item), &path, kProfile);
+    return DAL_deleteProfiledNodeItem(connectionOf(item), &path, kProfile);
 }
 
 int32_t deleteAllNodes(const Item& item) {
     const KeyPath path = nodePath(item, nullptr);
-    return DAL_deleteProfiledNodeItem(open(item), &path, DAL_ALL_PROFILES);
+    return DAL_deleteProfiledNodeItem(connectionOf(item), &path, DAL_ALL_PROFILES);
 }
 
 int32_t isNodePresent(const Item& item, const char* nodeId) {
     const KeyPath path = nodePath(item, nodeId);
-    return DAL_isProfiledNodePresent(open(item), &path, kProfile);
+    return DAL_isProfiledNodePresent(connectionOf(item), &path, kProfile);
 }
 
 char** listNodes(const Item& item) {
     const KeyPath path = nodePath(item, nullptr);
-    return DAL_listProfiledNodeItems(open(item), &path, item.list, kProfile);
+    return DAL_listProfiledNodeItems(connectionOf(item), &path, item.list, kProfile);
 }
 
 // The word is looked at whatever the read returned: a failed one has delivered the default.

@@ -3,8 +3,6 @@
 // library with the arguments that follow the item, and returns its result.
 #pragma once
 
-#include <sqlite3.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <span>

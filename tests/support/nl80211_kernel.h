@@ -107,6 +107,18 @@ inline Datagrams networks(const std::string& list) {
     return dump;
 }
 
+inline std::string answerTo(uint32_t sequence, uint32_t port, std::string datagram) {
+    nlmsghdr head;
+    for (size_t at = 0; at + sizeof head <= datagram.size();
+         at += std::max(aligned(head.nlmsg_len), sizeof head)) {
+        std::memcpy(&head, datagram.data() + at, sizeof head);
+        if (head.nlmsg_seq == kOfRequest) {
+            datagram.replace(at + offsetof(nlmsghdr, nlmsg_seq), 8, u32(sequence) + u32(port));
+        }
+    }
+    return datagram;
+}
+
 // In place of a datagram: a receive that fails.
 constexpr auto failure = [](int error) { return std::string(1, static_cast<char>(error)); };
 
@@ -154,18 +166,24 @@ inline struct Nl80211Kernel {
         return true;
     }
 
-    // Queues a datagram, with the sequence and port that its messages answer to.
-    void answer(std::string datagram, uint32_t sequence) const {
-        for (size_t at = 0; at + sizeof(nlmsghdr) <= datagram.size();) {
-            nlmsghdr head;
-            std::memcpy(&head, datagram.data() + at, sizeof head);
-            if (head.nlmsg_seq == nl80211::kOfRequest) {
-                datagram.replace(at + offsetof(nlmsghdr, nlmsg_seq), 8,
-                                 u32(sequence) + u32(commanded->port));
-            }
-            at += std::max(aligned(head.nlmsg_len), sizeof head);
+    // Takes a request, and queues the answer with the sequence and port of that request.
+    void take(mnl_socket* socket, const uint8_t* request, size_t size) {
+        const auto& head = *reinterpret_cast<const nlmsghdr*>(request);
+        const int command = request[sizeof head];
+        sent.emplace_back(socket == notifying ? "notifications " : "commands ");
+        for (size_t i = 0; i < size; ++i) {
+            char digits[3];
+            std::snprintf(digits, sizeof digits, "%02x", request[i]);
+            sent.back() += digits;
         }
-        commanded->queue.push_back(datagram);
+        commands += std::to_string(command) + "/" + std::to_string(head.nlmsg_seq) + " ";
+        commanded = socket;
+        for (const std::string& datagram : on[command]) {
+            socket->queue.push_back(nl80211::answerTo(head.nlmsg_seq, socket->port, datagram));
+        }
+        if (command == NL80211_CMD_TRIGGER_SCAN) {
+            notifications.insert(notifications.end(), later.begin(), later.end());
+        }
     }
 } kernel;
 
@@ -183,12 +201,10 @@ mnl_socket* mnl_socket_open(int bus) {
     if (kernel.fails("mnl_socket_open") || bus != NETLINK_GENERIC) {
         return nullptr;
     }
-    const Within outside(false);
+    const Within test(false);
     const int descriptor = eventfd(0, EFD_CLOEXEC);
     auto* const opened = new mnl_socket{descriptor, 1000u + unsigned(kernel.openSockets), {}};
-    if (++kernel.openSockets % 2 == 1) {
-        kernel.notifying = opened;
-    }
+    kernel.notifying = ++kernel.openSockets % 2 == 1 ? opened : kernel.notifying;
     return opened;
 }
 
@@ -205,10 +221,9 @@ int mnl_socket_close(mnl_socket* socket) {
 
 int mnl_socket_get_fd(const mnl_socket* socket) {
     // A descriptor of this kind tells its flags, but doesn't let them be changed.
-    if (kernel.fails("F_SETFL")) {
-        return open("/", O_PATH | O_CLOEXEC);
-    }
-    return kernel.fails("F_GETFL") ? -1 : socket->descriptor;
+    return kernel.fails("F_SETFL")   ? open("/", O_PATH | O_CLOEXEC)
+           : kernel.fails("F_GETFL") ? -1
+                                     : socket->descriptor;
 }
 
 unsigned mnl_socket_get_portid(const mnl_socket* socket) {
@@ -228,26 +243,8 @@ ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* request, size_t 
     if (kernel.fails("mnl_socket_sendto")) {
         return -1;
     }
-    const Within outside(false);
-    nlmsghdr head;
-    std::memcpy(&head, request, sizeof head);
-    const auto* const octets = static_cast<const uint8_t*>(request);
-    const int command = octets[sizeof head];
-    kernel.sent.emplace_back(socket == kernel.notifying ? "notifications " : "commands ");
-    for (size_t i = 0; i < size; ++i) {
-        char pair[3];
-        std::snprintf(pair, sizeof pair, "%02x", octets[i]);
-        kernel.sent.back() += pair;
-    }
-    kernel.commands += std::to_string(command) + "/" + std::to_string(head.nlmsg_seq) + " ";
-    kernel.commanded = const_cast<mnl_socket*>(socket);
-    for (const std::string& datagram : kernel.on[command]) {
-        kernel.answer(datagram, head.nlmsg_seq);
-    }
-    if (command == NL80211_CMD_TRIGGER_SCAN) {
-        auto& queue = kernel.notifications;
-        queue.insert(queue.end(), kernel.later.begin(), kernel.later.end());
-    }
+    const Within test(false);
+    kernel.take(const_cast<mnl_socket*>(socket), static_cast<const uint8_t*>(request), size);
     return static_cast<ssize_t>(size);
 }
 
@@ -255,23 +252,17 @@ ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size)
     if (kernel.fails("mnl_socket_recvfrom")) {
         return -1;
     }
-    const Within outside(false);
+    const Within test(false);
     auto& own = const_cast<mnl_socket*>(socket)->queue;
     auto& queue = own.empty() && socket == kernel.notifying ? kernel.notifications : own;
-    if (queue.empty()) {
-        // A blocking receive would never return.
-        errno = socket->waits() ? EDEADLK : EAGAIN;
-        return -1;
+    // A blocking receive would never return from an empty one.
+    const int nothing = socket->waits() ? EDEADLK : EAGAIN;
+    const std::string datagram = queue.empty() ? nl80211::failure(nothing) : queue.front();
+    if (!queue.empty()) {
+        queue.pop_front();
     }
-    const std::string datagram = queue.front();
-    queue.pop_front();
-    if (datagram.size() == 1 || datagram.size() > size) {
-        errno = datagram.size() == 1 ? datagram[0] : ENOSPC;
-        return -1;
-    }
-    errno = 0;
-    std::memcpy(buffer, datagram.data(), datagram.size());
-    return static_cast<ssize_t>(datagram.size());
+    errno = datagram.size() == 1 ? datagram[0] : datagram.size() > size ? ENOSPC : 0;
+    return errno == 0 ? static_cast<ssize_t>(datagram.copy(static_cast<char*>(buffer), size)) : -1;
 }
 
 // For what is left of an answer; a receive that waits is another socket's, and real.

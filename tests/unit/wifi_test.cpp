@@ -107,30 +107,25 @@ TEST_F(Wifi, RequestsAreTheseBytes) {
     wifi_station_record station;
     EXPECT_EQ(wifi_scan_station(wifi.get(), &station), 1);
     const std::string ifindex = "0800030007000000";
-    EXPECT_EQ(kernel.sent,
-              (std::vector<std::string>{
-                  "notifications 28000000100005000100000000000000030100000600010010000000"
-                  "0c0002006e6c383032313100",
-                  "commands 1c0000001c000500010000000000000021010000" + ifindex,
-                  "commands 1c0000001c000503020000000000000020010000" + ifindex,
-                  "commands 1c0000001c000503030000000000000020010000" + ifindex,
-                  "commands 280000001c000500040000000000000011010000" + ifindex +
-                      "0a0006000202020202020000"}));
+    const std::vector<std::string> requests = {
+        "notifications 28000000100005000100000000000000030100000600010010000000"
+        "0c0002006e6c383032313100",
+        "commands 1c0000001c000500010000000000000021010000" + ifindex,
+        "commands 1c0000001c000503020000000000000020010000" + ifindex,
+        "commands 1c0000001c000503030000000000000020010000" + ifindex,
+        "commands 280000001c000500040000000000000011010000" + ifindex + "0a0006000202020202020000"};
+    EXPECT_EQ(kernel.sent, requests);
 }
 
 TEST_F(Wifi, TheScanGroupIsFoundByItsName) {
     const std::pair<std::string, uint32_t> cases[] = {
         {group("sca", 8) + group("scan", 0x01020304) + group("scanner", 5), 0x01020304},
-        {group("scan", 6) + group("scan", 7) + attribute(1, ""), 7},
-        {group("scan", 6) + group(u32(8), "scan"), 6},
-        {group(u16(8), std::string("scan\0", 5)) + group("scan", 9), 9},
-        {group("scan", 6) + attribute(1, "", 100), 6},
-    };
+        {group("scan", 6) + group(u32(8), "scan"), 6},  // without its NUL
+        {group(u16(8), std::string("scan\0", 5)) + group("scan", 9) + attribute(1, ""), 9},
+        {group("scan", 6) + attribute(1, "", 100), 6}};
     for (const auto& [groups, group] : cases) {
-        wifi.reset();
-        kernel.reset();
         kernel.on[CTRL_CMD_GETFAMILY][0] = family(groups);
-        wifi.reset(wifi_scan_init("wlan7"));
+        const Handle own(wifi_scan_init("wlan7"));
         EXPECT_EQ(kernel.joinedGroup, group);
     }
 }
@@ -166,38 +161,28 @@ TEST_F(Wifi, MostFailuresEndTheProcess) {
         {false, "", {about(u16(28), ""), acknowledgement()}, noGroup},
         {false, "", {family(group("mlme", 6)), acknowledgement()}, noGroup},
         {false, "", {family(group("scan", 0)), acknowledgement()}, noGroup},
-        {false, "", {reply(CTRL_CMD_NEWFAMILY, group6, GENL_ID_CTRL)},
-         kPrefix + "No family id attribute\n"},
-        {false, "", {about(u32(28), group6)},
-         kInvalid + kPrefix + "No family id attribute\n"},
-        {false, "", {family(withoutId)},
-         kPrefix + "Missing id attribute for scan multicast group\n"},
+        {false, "", {reply(CTRL_CMD_NEWFAMILY, group6, GENL_ID_CTRL)}, kPrefix + "No family id attribute\n"},
+        {false, "", {about(u32(28), group6)}, kInvalid + kPrefix + "No family id attribute\n"},
+        {false, "", {family(withoutId)}, kPrefix + "Missing id attribute for scan multicast group\n"},
         {true, "F_GETFL", {}, kPrefix + "SetChannelNonBlocking F_GETFL: Bad file descriptor\n"},
         {true, "F_SETFL", {}, kPrefix + "SetChannelNonBlocking F_SETFL: Bad file descriptor\n"},
         {true, "mnl_socket_sendto", {}, kPrefix + "mnl_socket_sendto" + noRoom},
         {true, "", {failure(EPERM)}, past + "mnl_socket_recv failed: Operation not permitted\n"},
-        {true, "", {acknowledgement(-EPERM)},
-         past + "mnl_cb_run failed: Operation not permitted\n"},
+        {true, "", {acknowledgement(-EPERM)}, past + "mnl_cb_run failed: Operation not permitted\n"},
         {true, "", {done()}, past + "mnl_cb_run failed: Success\n"},
-        {true, "", {kTriggered, kNoMore, failure(EPERM)},
-         kPrefix + "Waiting for new scan results failed - mnl_socket_recvfrom: "
-                   "Operation not permitted\n"},
-        {true, "", {kTriggered, kNoMore, acknowledgement(-EPERM)},
-         kPrefix + "Processing notificatoins failed - mnl_cb_run: Operation not permitted\n"},
+        {true, "", {kTriggered, kNoMore, failure(EPERM)}, kPrefix + "Waiting for new scan results failed - mnl_socket_recvfrom: Operation not permitted\n"},
+        {true, "", {kTriggered, kNoMore, acknowledgement(-EPERM)}, kPrefix + "Processing notificatoins failed - mnl_cb_run: Operation not permitted\n"},
     };
     // clang-format on
     for (const Case& c : cases) {
-        c.scans ? open() : wifi.reset();
+        open();
         const auto run = [&] {
             fault = {c.failing};
-            kernel.notifications = c.heard;
             if (!c.heard.empty()) {
-                kernel.on[CTRL_CMD_GETFAMILY] = c.heard;
+                (c.scans ? kernel.notifications : kernel.on[CTRL_CMD_GETFAMILY]) = c.heard;
             }
-            within([&] {
-                c.scans ? wifi_scan_all(wifi.get(), nullptr, 0)
-                        : wifi_scan_init("wlan7") != nullptr;
-            });
+            c.scans ? within(wifi_scan_all, wifi.get(), nullptr, 0)
+                    : within(wifi_scan_init, "wlan7") != nullptr;
         };
         EXPECT_EXIT(run(), testing::ExitedWithCode(1), testing::Eq(c.words)) << &c - cases;
     }
@@ -288,48 +273,33 @@ TEST_F(Wifi, AttributesAreReadByTheirRules) {
     const std::string bssid = attribute(NL80211_BSS_BSSID, "\1\2\3\4\5\6");
     const std::string frequency = attribute(NL80211_BSS_FREQUENCY, u32(5180));
     const std::string large(32, 'x');
-    struct Case {
-        const char* situation;
-        std::string bss;
-        std::string expected;  // BSSID, frequency and SSID
-        std::string words;
+    // BSSID, frequency and SSID; and the words.
+    const auto read = [](const char* situation, const std::string& bss, const std::string& left,
+                         const std::string& words = "") -> Scan {
+        const Datagrams dump = {network(bss), done()};
+        return {situation, {kResults}, {}, dump, 1, 1, "32/1 ", left + " -1 9 9 - - - " + words};
     };
     // clang-format off
-    const Case cases[] = {
-        {"nothing", "", "9 9 9 before", ""},
-        {"a BSSID of 5 bytes, first", attribute(1, "12345") + frequency, "9 9 9 before", kInvalid},
-        {"a BSSID of 7 bytes, last", frequency + attribute(1, "1234567"), "9 9 5180 before", kInvalid},
-        {"a status of 2 bytes", bssid + attribute(9, u16(1)) + frequency, "1 6 9 before", kInvalid},
-        {"no rule", attribute(3, "xyz") + attribute(19, "") + frequency, "9 9 5180 before", ""},
-        {"above the table", attribute(20, "") + attribute(99, "x") + bssid, "1 6 9 before", ""},
-        {"a length beyond the nest", bssid + attribute(2, u32(1), 8), "1 6 9 before", ""},
-        {"a hidden name", ssid(""), "9 9 9 ", ""},
-        {"a name of 32 bytes", ssid(large), "9 9 9 " + large, ""},
-        {"a name of 33 bytes", ssid(large + "x"), "9 9 9 ", kRefusedSsid},
-        {"a name with a NUL", ssid(std::string("ab\0cd", 5)), "9 9 9 ab", ""},
-        {"an exact fit", elements(std::string("\0\5abcde", 7)), "9 9 9 abcde", ""},
-        {"a byte too few", elements(std::string("\0\5abcd", 6)), "9 9 9 ", kRefusedSsid},
-        {"an id alone", elements(std::string("\0", 1)), "9 9 9 ", kRefusedSsid},
-        {"another element first", elements(std::string("\1\1x\0\1y", 6)), "9 9 9 ", kRefusedSsid},
-        {"no elements, the rest good", bssid + elements("") + frequency, "1 6 5180 ", kRefusedSsid},
+    const Scan cases[] = {
+        read("nothing", "", "9 9 9 before"),
+        read("a BSSID of 5 bytes, first", attribute(1, "12345") + frequency, "9 9 9 before", kInvalid),
+        read("a BSSID of 7 bytes, last", frequency + attribute(1, "1234567"), "9 9 5180 before", kInvalid),
+        read("a status of 2 bytes", bssid + attribute(9, u16(1)) + frequency, "1 6 9 before", kInvalid),
+        read("no rule", attribute(3, "xyz") + attribute(19, "") + frequency, "9 9 5180 before"),
+        read("above the table", attribute(20, "") + attribute(99, "x") + bssid, "1 6 9 before"),
+        read("a length beyond the nest", bssid + attribute(2, u32(1), 8), "1 6 9 before"),
+        read("a hidden name", ssid(""), "9 9 9 "),
+        read("a name of 32 bytes", ssid(large), "9 9 9 " + large),
+        read("a name of 33 bytes", ssid(large + "x"), "9 9 9 ", kRefusedSsid),
+        read("a name with a NUL", ssid(std::string("ab\0cd", 5)), "9 9 9 ab"),
+        read("an exact fit", elements(std::string("\0\5abcde", 7)), "9 9 9 abcde"),
+        read("a byte too few", elements(std::string("\0\5abcd", 6)), "9 9 9 ", kRefusedSsid),
+        read("an id alone", elements(std::string("\0", 1)), "9 9 9 ", kRefusedSsid),
+        read("another element first", elements(std::string("\1\1x\0\1y", 6)), "9 9 9 ", kRefusedSsid),
+        read("no elements, the rest good", bssid + elements("") + frequency, "1 6 5180 ", kRefusedSsid),
     };
     // clang-format on
-    for (const Case& c : cases) {
-        check({{{c.situation,
-                 {kResults},
-                 {},
-                 {network(c.bss), done()},
-                 1,
-                 1,
-                 "32/1 ",
-                 c.expected + " -1 9 9 - - - " + c.words}}});
-    }
-    open();
-    kernel.notifications = {kResults};
-    kernel.on[NL80211_CMD_GET_SCAN] = {network(ssid(std::string("a\0b", 3))), done()};
-    wifi_bss_record record = kBefore;
-    EXPECT_EQ(wifi_scan_all(wifi.get(), &record, 1), 1);
-    EXPECT_EQ(std::string(record.ssid, 7), std::string("a\0\0\0re\0", 7));
+    check(cases);
 }
 
 std::string figures(int signal, uint32_t received, uint32_t sent) {
@@ -344,9 +314,9 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
                                        attribute(NL80211_STA_INFO_SIGNAL, u16(1)) +
                                        attribute(NL80211_STA_INFO_RX_PACKETS, u32(7)));
     const Datagrams dump = networks("1 2:1 3");
+    const std::string ignored = "Ignoring generic netlink command 28 seq 2 pid  1001 genl cmd 18\n";
     struct Case {
-        Datagrams dump;
-        Datagrams answer;
+        Datagrams dump, answer;
         std::string station;  // result, BSSID's end, SSID, status and the four figures
         std::string status;   // SSID and the three figures
         std::string words;    // of either
@@ -364,70 +334,61 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
         {dump, {figures(0, 5, 5)}, "1 2 net2 1 0 -1 5 5", "net2 0 5 5", ""},
         {dump, {figures(2, 5, 5)}, "1 2 net2 1 2 1 5 5", "net2 2 5 5", ""},
         {networks("2:2"), {faulty}, "1 2 net2 2 9 9 9 7", "net2 0 0 7", kInvalid},
-        {dump, {reply(NL80211_CMD_NEW_STATION, ""), reply(18, "")}, "1 2 net2 1 9 9 9 9", " 0 0 0",
-         "Ignoring generic netlink command 28 seq 2 pid  1001 genl cmd 18\n"},
+        {dump, {reply(NL80211_CMD_NEW_STATION, ""), reply(18, "")}, "1 2 net2 1 9 9 9 9", " 0 0 0", ignored},
     };
     // clang-format on
-    const char* kept = nullptr;
+    const char* buffer = nullptr;
     for (const Case& c : cases) {
         open();
         kernel.on[NL80211_CMD_GET_SCAN] = c.dump;
         kernel.on[NL80211_CMD_GET_STATION] = c.answer;
         kernel.on[NL80211_CMD_GET_STATION].push_back(acknowledgement());
-        wifi_station_record record{{9, 9, 9, 9, 9, 9}, "before", 9, 9, 9, 9, 9};
+        wifi_station_record r{{9, 9, 9, 9, 9, 9}, "before", 9, 9, 9, 9, 9};
         testing::internal::CaptureStderr();
-        const int32_t result = wifi_scan_station(wifi.get(), &record);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.words);
-        EXPECT_EQ(
-            joined(result, int{record.bssid[5]}, record.ssid, record.status, int{record.signal_dbm},
-                   int{record.signal_avg_dbm}, record.rx_packets, record.tx_packets),
-            c.station);
-
+        const int32_t result = wifi_scan_station(wifi.get(), &r);
+        EXPECT_EQ(joined(result, int{r.bssid[5]}, r.ssid, r.status, int{r.signal_dbm},
+                         int{r.signal_avg_dbm}, r.rx_packets, r.tx_packets),
+                  c.station);
         wifi.reset();
-        CML_WifiStatus status{"x", 9, 9, 9};
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(CML_getWifiStatus("wlan7", &status), 1);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.words);
-        EXPECT_EQ(joined(status.ssid, status.signalDbm, status.rxPackets, status.txPackets),
-                  c.status)
-            << c.station;
-        if (*status.ssid != '\0') {
-            EXPECT_TRUE(kept == nullptr || kept == status.ssid) << "one buffer";
-            kept = status.ssid;
-        }
-        EXPECT_TRUE(kept == nullptr || kept == std::string("net2")) << "no empty text in it";
+        CML_WifiStatus s{"x", 9, 9, 9};
+        EXPECT_EQ(CML_getWifiStatus("wlan7", &s), 1);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.words + c.words);
+        EXPECT_EQ(joined(s.ssid, s.signalDbm, s.rxPackets, s.txPackets), c.status) << c.station;
+        buffer = *s.ssid != '\0' && buffer == nullptr ? s.ssid : buffer;
+        EXPECT_TRUE(*s.ssid == '\0' || s.ssid == buffer) << "one buffer";
     }
+    EXPECT_STREQ(buffer, "net2") << "no empty text is written to it";
 }
 
 TEST_F(Wifi, WithoutAPortThereIsNoStatus) {
     CML_WifiStatus status{"x", 9, 9, 9};
     EXPECT_EQ(CML_getWifiStatus(nullptr, &status) + CML_getWifiStatus("wlan7", nullptr), 0);
     EXPECT_STREQ(status.ssid, "x");
-    testing::internal::CaptureStderr();
     EXPECT_EQ(CML_getWifiStatus("wlan8", &status), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              kPrefix + "Incorrect network interface: No such device\n");
     EXPECT_TRUE(status.ssid == nullptr && status.signalDbm == 0 && status.txPackets == 0);
     EXPECT_EQ(kernel.commands, "") << "nobody was asked";
 }
 
 TEST_F(Wifi, TheRuleTablesAreExported) {
-    std::string all;
-    const auto add = [&](const wifi_attribute_rule* rules, int32_t length) {
-        for (int32_t i = 0; i < length; ++i) {
-            all += joined(rules[i].attribute, rules[i].type, rules[i].length) + ", ";
+    // Attribute, type and length of each.
+    const std::tuple<std::span<const wifi_attribute_rule>, int32_t, std::string> tables[] = {
+        {NL80211_VALIDATION, NL80211_VALIDATION_LENGTH, "1 2 0, 7 8 0, "},
+        {NL80211_MCAST_GROUPS_VALIDATION, NL80211_MCAST_GROUPS_VALIDATION_LENGTH, "2 3 0, 1 5 0, "},
+        {NL80211_NEW_SCAN_RESULTS_VALIDATION, NL80211_NEW_SCAN_RESULTS_VALIDATION_LENGTH,
+         "3 3 0, 45 8 0, 47 8 0, "},
+        {NL80211_BSS_VALIDATION, NL80211_BSS_VALIDATION_LENGTH,
+         "1 11 6, 2 3 0, 6 11 0, 9 3 0, 7 3 0, 10 3 0, "},
+        {NL80211_CMD_NEW_STATION_VALIDATION, NL80211_CMD_NEW_STATION_VALIDATION_LENGTH, "21 8 0, "},
+        {NL80211_STA_INFO_VALIDATION, NL80211_STA_INFO_VALIDATION_LENGTH,
+         "7 1 0, 13 1 0, 9 3 0, 10 3 0, "}};
+    for (const auto& [rules, length, expected] : tables) {
+        std::string all;
+        for (const wifi_attribute_rule& rule : rules) {
+            all += joined(rule.attribute, rule.type, rule.length) + ", ";
         }
-        all += "- ";
-    };
-    add(NL80211_VALIDATION, NL80211_VALIDATION_LENGTH);
-    add(NL80211_MCAST_GROUPS_VALIDATION, NL80211_MCAST_GROUPS_VALIDATION_LENGTH);
-    add(NL80211_NEW_SCAN_RESULTS_VALIDATION, NL80211_NEW_SCAN_RESULTS_VALIDATION_LENGTH);
-    add(NL80211_BSS_VALIDATION, NL80211_BSS_VALIDATION_LENGTH);
-    add(NL80211_CMD_NEW_STATION_VALIDATION, NL80211_CMD_NEW_STATION_VALIDATION_LENGTH);
-    add(NL80211_STA_INFO_VALIDATION, NL80211_STA_INFO_VALIDATION_LENGTH);
-    EXPECT_EQ(all,
-              "1 2 0, 7 8 0, - 2 3 0, 1 5 0, - 3 3 0, 45 8 0, 47 8 0, - 1 11 6, 2 3 0, 6 11 0, "
-              "9 3 0, 7 3 0, 10 3 0, - 21 8 0, - 7 1 0, 13 1 0, 9 3 0, 10 3 0, - ");
+        EXPECT_EQ(all, expected);
+        EXPECT_EQ(std::ssize(rules), length);
+    }
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 # Debian packages that the project needs, and how to get them; read by the scripts.
 # shellcheck shell=sh disable=SC2034
 
-BUILD_PACKAGES="g++ cmake ninja-build pkg-config libsqlite3-dev libmnl-dev"
+BUILD_PACKAGES="g++ cmake ninja-build pkg-config libsqlite3-dev libmnl-dev nlohmann-json3-dev"
 PACKAGING_PACKAGES="$BUILD_PACKAGES debhelper dpkg-dev"
 TEST_PACKAGES="$PACKAGING_PACKAGES libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format \
     clang-tidy valgrind iproute2 iputils-ping procps doxygen lintian"

@@ -1,19 +1,15 @@
-// Aligned columns of text on standard output.
+// Texts in columns that fit the terminal.
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
-// Codes of styles, which show on a terminal that has them, unless NO_COLOR is set.
-constexpr const char* kBold = "1";
-constexpr const char* kDim = "2";
-constexpr const char* kGreen = "32";
-constexpr const char* kYellow = "33";
-
+// A text with a style. A "?" takes the place of each character that a terminal would obey and of
+// what isn't UTF-8.
 struct Cell {
     Cell(const char* cellText, const char* cellStyle = nullptr)
         : Cell(std::string(cellText), cellStyle) {}
-    // A "?" takes the place of each character that a terminal would obey and of what isn't UTF-8.
     Cell(const std::string& cellText, const char* cellStyle = nullptr);
 
     std::string text;
@@ -23,23 +19,35 @@ struct Cell {
 
 class Table {
   public:
-    // The cells below a heading that begins with ">" are flush right.
+    // The columns that matter most come first. Those of a heading that begins with ">" are flush
+    // right. Without any heading there is no line for them.
     explicit Table(const std::vector<std::string>& headings);
 
     // A row may be shorter than the heading; the missing cells stay empty.
     void add(std::vector<Cell> row);
 
-    // Heading and rows, each column as wide as its widest cell, two blanks between them.
-    void print() const;
+    // Each column as wide as its widest cell, two blanks in front. On a terminal a column that
+    // doesn't fit any more stands in lines below its row, with its heading before each cell that
+    // isn't empty or "-"; and a cell that fits no line is wrapped. No line is longer than that.
+    std::string text() const;
 
   private:
+    using Row = std::vector<Cell>;
+
+    size_t columnsThatFit(size_t columns) const;
+    std::string line(const Row& row, size_t count, size_t columns) const;
+    std::string below(const Row& row, size_t from) const;
+
     std::vector<size_t> widths;
     std::vector<bool> flushRight;
-    std::vector<std::vector<Cell>> rows;
+    std::vector<Row> rows;
 };
 
-// The text, or "-" where it is null or empty.
-std::string orDash(const char* text);
+// Pairs of a name and a text, as many in each line as fit.
+std::string flow(const std::vector<std::pair<Cell, Cell>>& pairs, size_t indent);
+
+// An indented text, wrapped where the terminal ends.
+std::string paragraph(const Cell& cell);
 
 // A line that opens a section of the report.
-void printTitle(const std::string& title);
+std::string title(const std::string& text);

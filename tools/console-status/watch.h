@@ -1,9 +1,12 @@
 // A report that is repeated.
 #pragma once
 
-#include <string>
+#include <chrono>
+#include <span>
 
-// Makes the report now and then again every so many seconds, until SIGINT comes; a report that has
-// begun is finished. Gives the exit status of the program: 0, or kUsageError after a message on
-// stderr if seconds is no whole number from 1.
-int watch(const std::string& seconds, void (*report)());
+#include "report.h"
+
+// Reads the sections now and then again every so many seconds, until SIGINT comes; a report that
+// has begun is finished. A terminal shows the last one in place; otherwise they follow each other,
+// as JSON one object a line. Gives the exit status of the program.
+int watch(std::span<const Section> sections, std::chrono::seconds interval, bool asJson);

@@ -1,22 +1,19 @@
 #include <console-manager/wifi.h>
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <filesystem>
-#include <memory>
-#include <optional>
-#include <string>
-#include <thread>
-#include <vector>
 
-#include "port_names.h"
-#include "sections.h"
+#include "access_point.h"
+#include "measure.h"
+#include "report.h"
 #include "table.h"
+#include "terminal.h"
 
 namespace {
 
@@ -24,155 +21,126 @@ bool isWireless(const std::string& port) {
     return std::filesystem::exists("/sys/class/net/" + port + "/phy80211");
 }
 
-// What a child process passes on.
-struct Answer {
-    char ssid[33];
-    int32_t signalDbm;
-    uint32_t rxPackets;
-    uint32_t txPackets;
-};
+// Of a station to which the port has no link all is null.
+Json linkOf(const wifi_station_record& station) {
+    const bool connected = isJoined(station.status);
+    const auto known = [&](const Json& value) { return connected ? value : Json(); };
+    return {{"connected", connected},
+            {"ssid", *station.ssid != '\0' ? known(station.ssid) : Json()},
+            {"bssid", known(bssidText(station.bssid))},
+            {"signal_dbm", known(station.signal_dbm)},
+            {"rx_packets", known(station.rx_packets)},
+            {"tx_packets", known(station.tx_packets)}};
+}
 
-[[noreturn]] void passOn(const char* port, int pipeEnd) {
-    CML_WifiStatus status;
-    if (CML_getWifiStatus(port, &status) == 0) {
+wifi_station_record withoutLink() {
+    wifi_station_record station{};
+    station.status = CML_BSS_STATUS_NONE;
+    return station;
+}
+
+// What the library says on stderr goes the same way; the answer is the last line, if there is one.
+[[noreturn]] void answer(const char* port, int pipeEnd) {
+    dup2(pipeEnd, STDERR_FILENO);
+    wifi_station_record station = withoutLink();
+    wifi_data* const wifi = wifi_scan_init(port);
+    if (wifi == nullptr) {
         _exit(1);
     }
-    Answer answer{{}, status.signalDbm, status.rxPackets, status.txPackets};
-    std::strncpy(answer.ssid, status.ssid, sizeof answer.ssid - 1);
-    _exit(write(pipeEnd, &answer, sizeof answer) == sizeof answer ? 0 : 1);
+    wifi_scan_station(wifi, &station);
+    const std::string line =
+        "\n" + linkOf(station).dump(-1, ' ', false, Json::error_handler_t::replace);
+    _exit(write(pipeEnd, line.data(), line.size()) == std::ssize(line) ? 0 : 1);
 }
 
-// Asks in a child process, because most failures of Wi-Fi end the process that asks. Nothing if
-// there is no answer; why not has been told on stderr then.
-std::optional<Answer> ask(const std::string& port) {
-    // The child's end would write out what is still in the buffer a second time.
-    std::fflush(stdout);
-    int ends[2];
-    if (pipe(ends) != 0) {
-        std::perror("console-status: pipe");
-        return std::nullopt;
-    }
-    const pid_t child = fork();
-    if (child == 0) {
-        passOn(port.c_str(), ends[1]);
-    }
-    if (child < 0) {
-        std::perror("console-status: fork");
-    }
-    close(ends[1]);
-    Answer answer;
-    const bool answered = child > 0 && read(ends[0], &answer, sizeof answer) == sizeof answer;
-    close(ends[0]);
-    if (child > 0) {
-        waitpid(child, nullptr, 0);
-    }
-    return answered ? std::optional(answer) : std::nullopt;
-}
-
-std::string macAddress(const uint8_t (&bytes)[6]) {
-    char text[18];
-    std::snprintf(text, sizeof text, "%02x:%02x:%02x:%02x:%02x:%02x", bytes[0], bytes[1], bytes[2],
-                  bytes[3], bytes[4], bytes[5]);
+std::string readAll(int descriptor) {
+    std::string text;
+    char piece[4096];
+    ssize_t size = 0;
+    do {
+        size = read(descriptor, piece, sizeof piece);
+        text.append(piece, static_cast<size_t>(std::max<ssize_t>(size, 0)));
+    } while (size > 0 || (size < 0 && errno == EINTR));
     return text;
 }
 
-void printNetworks(std::vector<wifi_bss_record>& networks) {
-    std::stable_sort(networks.begin(), networks.end(),
-                     [](const wifi_bss_record& a, const wifi_bss_record& b) {
-                         return a.signal_mbm > b.signal_mbm;
-                     });
-    Table table({"Network", "Access point", ">MHz", ">Signal", ">Seen", "Joined"});
-    for (const wifi_bss_record& network : networks) {
-        const bool joined = network.status == 1 || network.status == 2;
-        table.add({*network.ssid == '\0' ? "(hidden)" : network.ssid, macAddress(network.bssid),
-                   std::to_string(network.frequency),
-                   std::to_string(network.signal_mbm / 100) + " dBm",
-                   std::to_string(network.seen_ms_ago) + " ms ago", joined ? "yes" : ""});
+// Asks in a child process, because most failures of Wi-Fi end the process that asks. Gives all that
+// the child says, or why there is none.
+std::string ask(const std::string& port) {
+    // The library's exit in the child would write out once more what is in the buffer.
+    std::fflush(nullptr);
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+        return std::strerror(errno);
     }
-    table.print();
+    const pid_t child = fork();
+    if (child == 0) {
+        answer(port.c_str(), ends[1]);
+    }
+    std::string said = child < 0 ? std::strerror(errno) : "";
+    close(ends[1]);
+    if (child > 0) {
+        said = readAll(ends[0]);
+        waitpid(child, nullptr, 0);
+    }
+    close(ends[0]);
+    return said;
 }
 
-// The cursor stays in front, so that a message of the library takes the line.
-void tick(const std::stop_token& stop, const sigset_t& deadly) {
-    constexpr timespec kPause{0, 100'000'000};
-    int signal = -1;
-    for (size_t i = 0; signal < 0 && !stop.stop_requested(); ++i) {
-        std::fprintf(stderr, "Scanning%-3s\r", std::string(i / 4 % 4, '.').c_str());
-        signal = sigtimedwait(&deadly, nullptr, &kPause);
-    }
-    std::fprintf(stderr, "%11s\r", "");
-    if (signal > 0) {
-        std::raise(signal);
-        pthread_sigmask(SIG_UNBLOCK, &deadly, nullptr);
-    }
+std::string lastLine(std::string text) {
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text.substr(text.rfind('\n') + 1);
 }
 
-// Scans, and shows that on a terminal until it is over, or the library or a signal ends the
-// process.
-int32_t scanVisibly(wifi_data* wifi, std::vector<wifi_bss_record>& networks) {
-    static std::jthread ticker;  // static: exit joins it
-    sigset_t deadly;
-    sigemptyset(&deadly);
-    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
-        sigaddset(&deadly, signal);
+Json readLink(const std::string& port) {
+    const std::string line = lastLine(ask(port));
+    const Json link = Json::parse(line, nullptr, false);
+    Json told = {{"port", port}};
+    told.update(link.is_object() ? link : linkOf(withoutLink()));
+    told["error"] = link.is_object() ? Json() : Json(line.empty() ? "no answer" : line);
+    return told;
+}
+
+std::vector<Cell> rowOf(const Json& link) {
+    if (!link["error"].is_null()) {
+        return {cellOf(link["port"]), {link["error"].get<std::string>(), kYellow}};
     }
-    if (isatty(STDERR_FILENO) == 1) {
-        pthread_sigmask(SIG_BLOCK, &deadly, nullptr);
-        ticker = std::jthread(tick, deadly);
+    if (link["connected"] == false) {
+        return {cellOf(link["port"]), {"not connected", kDim}};
     }
-    const int32_t count =
-        wifi_scan_all(wifi, networks.data(), static_cast<int32_t>(networks.size()));
-    ticker = {};
-    pthread_sigmask(SIG_UNBLOCK, &deadly, nullptr);
-    return count;
+    const Json& dbm = link["signal_dbm"];
+    return {cellOf(link["port"]),
+            link["ssid"].is_null() ? Cell("(hidden)", kDim) : cellOf(link["ssid"]),
+            signalBar(dbm),
+            dbm.dump() + " dBm",
+            cellOf(link["bssid"]),
+            cellOf(link["rx_packets"]),
+            cellOf(link["tx_packets"])};
 }
 
 }  // namespace
 
-void reportWifi() {
-    printTitle("Wi-Fi");
-    Table table({"Port", "Network", ">Signal", ">Packets in", ">Packets out"});
-    bool any = false;
-    for (const std::string& port : portNames()) {
-        if (!isWireless(port)) {
-            continue;
-        }
-        any = true;
-        const auto status = ask(port);
-        if (!status) {
-            table.add({port, "?"});
-            continue;
-        }
-        table.add({port, *status->ssid == '\0' ? "-" : status->ssid,
-                   std::to_string(status->signalDbm) + " dBm", std::to_string(status->rxPackets),
-                   std::to_string(status->txPackets)});
-    }
-    if (!any) {
-        std::puts("  There is no wireless port.");
+void readWifi(Json& report, const Ports& ports) {
+    Json& told = report["wifi"];
+    if (!ports) {
         return;
     }
-    table.print();
+    told = Json::array();
+    for (const std::string& port : *ports) {
+        if (isWireless(port)) {
+            told.push_back(readLink(port));
+        }
+    }
 }
 
-int scanWifi(const std::string& port) {
-    constexpr int32_t kMost = 500;
-    const std::unique_ptr<wifi_data, decltype(&wifi_scan_close)> wifi(wifi_scan_init(port.c_str()),
-                                                                      wifi_scan_close);
-    if (!wifi) {
-        return 1;
+std::string showWifi(const Json& report) {
+    const Json& links = report["wifi"];
+    if (links.empty()) {
+        return title("Wi-Fi") + paragraph({"no wireless port", kDim});
     }
-    std::vector<wifi_bss_record> networks(kMost);
-    const int32_t count = scanVisibly(wifi.get(), networks);
-    if (count < 0) {
-        std::fprintf(stderr,
-                     "console-status: can't scan with %s: it is down, not wireless or busy\n",
-                     port.c_str());
-        return 1;
+    Table table({"Port", "Network", "Signal", ">", "Access point", ">Packets in", ">Packets out"});
+    for (const Json& link : links) {
+        table.add(rowOf(link));
     }
-    networks.resize(static_cast<size_t>(std::min(count, kMost)));
-    printNetworks(networks);
-    if (count > kMost) {
-        std::printf("  %d more are not shown.\n", count - kMost);
-    }
-    return 0;
+    return title("Wi-Fi") + table.text();
 }

@@ -1,0 +1,27 @@
+// Standard error to nowhere, for calls of the library whose failure this program tells itself.
+#pragma once
+
+#include <fcntl.h>
+#include <unistd.h>
+
+class Quiet {
+  public:
+    Quiet() : kept(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3)) {
+        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+        if (kept >= 0 && nowhere >= 0) {
+            dup2(nowhere, STDERR_FILENO);
+        }
+        close(nowhere);
+    }
+    ~Quiet() {
+        if (kept >= 0) {
+            dup2(kept, STDERR_FILENO);
+            close(kept);
+        }
+    }
+    Quiet(const Quiet&) = delete;
+    Quiet& operator=(const Quiet&) = delete;
+
+  private:
+    int kept;
+};

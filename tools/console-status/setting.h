@@ -1,0 +1,70 @@
+// The settings and lists that the library has, a row each.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "report.h"
+
+struct Database {
+    const char* name;
+    const char* path;
+    int32_t (*ask)();  // 0 if it can be used
+};
+extern const Database kPersistent;
+extern const Database kVolatile;
+
+// Why a database can't be used, as a sentence; nothing if it can.
+std::optional<std::string> troubleOf(const Database& database);
+
+// What a result of the library that isn't 0 means.
+std::string meaningOf(int32_t result);
+
+// A number that has a name.
+struct Word {
+    int32_t number;
+    const char* word;
+};
+
+// What only a list has.
+struct Nodes {
+    char** (*list)();
+    int32_t (*isPresent)(const char* node);
+    int32_t (*remove)(const char* node);
+    int32_t (*clear)();
+};
+
+// A setting of one value, or a list with a value for each node. The functions of a setting take no
+// notice of the node.
+struct Setting {
+    const char* name;
+    const Database* database;
+    std::span<const Word> words;    // none where any number or text will do
+    Json fallback;                  // the default, which tells numbers from texts, too
+    Json (*get)(const char* node);  // null if it can't be read
+    int32_t (*set)(const char* node, const Json& value);
+    int32_t (*reset)(const char* node);
+    int32_t (*isPresent)(const char* node);
+    std::optional<Nodes> nodes;
+
+    bool isList() const { return nodes.has_value(); }
+};
+
+// Settings first, then lists.
+const std::vector<Setting>& settings();
+
+// The number's word; null where it has none.
+Json wordOf(const Setting& setting, const Json& value);
+
+// As people read it.
+std::string textOf(const Setting& setting, const Json& value);
+
+// What the report has of a setting or list; nothing of what is stored if its database is unusable.
+Json readSetting(const Setting& setting, bool usable, const char* node = "");
+Json readList(const Setting& list, bool usable);
+
+// The nodes of a list with their values.
+std::string showNodes(const Setting& list, const Json& nodes);

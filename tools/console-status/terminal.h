@@ -1,0 +1,30 @@
+// Standard output: its size, its styles and the characters that it draws.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// To be called before any other function here.
+void setUpTerminal();
+
+// Whether standard output is a terminal, and whether that is one which obeys control sequences.
+bool isTerminal();
+bool obeysSequences();
+
+// Size of the terminal; of a serial line, which has none, COLUMNS and LINES or 80 and 24. Where
+// standard output is no terminal there is no limit to a line.
+size_t terminalColumns();
+size_t terminalRows();
+
+// Codes of styles, which show on a terminal that obeys, unless NO_COLOR is set.
+constexpr const char* kBold = "1";
+constexpr const char* kDim = "2";
+constexpr const char* kRed = "31";
+constexpr const char* kGreen = "32";
+constexpr const char* kYellow = "33";
+std::string styled(const char* style, const std::string& text);
+
+// A ratio of 0 to 1 as a bar of so many columns, and a row of such ratios as one column each. Both
+// are of ASCII where the locale isn't one of UTF-8.
+std::string bar(double ratio, size_t columns);
+std::string sparkline(const std::vector<double>& ratios);

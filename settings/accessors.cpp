@@ -3,7 +3,7 @@
 #include "settings/item.h"
 
 #define ITEM(name, database, scope, list, key) \
-    static constexpr Item k##name{Database::database, Scope::scope, list, key};
+    static constexpr Item k##name{Database::database, Scope::scope, List::list, key};
 
 // parameters and nodeId are (void) and nullptr, or (const char* nodeId) and nodeId for an item of a
 // list.
@@ -19,7 +19,7 @@
     }
 
 #define NUMBER_SETTING(name, key, scope, Type, Form, initial) \
-    ITEM(name, Persistent, scope, "", key)                    \
+    ITEM(name, Persistent, scope, None, key)                  \
     int32_t DAL_CML_get##name(Type* value) {                  \
         return get##Form(k##name, nullptr, value, initial);   \
     }                                                         \
@@ -38,7 +38,7 @@
     NUMBER_SETTING(name, key, scope, int32_t, Int, initial)
 
 #define STRING_SETTING(name, key, scope, initial)                               \
-    ITEM(name, Persistent, scope, "", key)                                      \
+    ITEM(name, Persistent, scope, None, key)                                    \
     int32_t DAL_CML_get##name(char* buffer, uint32_t* valueInfo, size_t size) { \
         return getString(k##name, nullptr, buffer, valueInfo, size, initial);   \
     }                                                                           \
@@ -54,7 +54,7 @@
     REST_OF_FAMILY(name, (void), nullptr)
 
 #define ENUMERATED_SETTING(name, key, scope, database, initial, ...) \
-    ITEM(name, database, scope, "", key)                             \
+    ITEM(name, database, scope, None, key)                           \
     static constexpr Word k##name##Words[] = {__VA_ARGS__};          \
     int32_t DAL_CML_get##name(int32_t* value) {                      \
         return getNumber(k##name, k##name##Words, value, initial);   \
@@ -82,7 +82,7 @@
     }
 
 #define INT_LIST(item, node, list, key, initial)                    \
-    ITEM(item, Persistent, Profiled, list, key)                     \
+    ITEM(item, Persistent, Profiled, item, key)                     \
     int32_t DAL_CML_get##item(const char* nodeId, int32_t* value) { \
         return getInt(k##item, nodeId, value, initial);             \
     }                                                               \
@@ -96,7 +96,7 @@
     NODES(node, item)
 
 #define STRING_LIST(item, node, list, key, initial)                                            \
-    ITEM(item, Persistent, Profiled, list, key)                                                \
+    ITEM(item, Persistent, Profiled, item, key)                                                \
     int32_t DAL_CML_get##item(const char* nodeId, char* buffer, uint32_t* valueInfo,           \
                               size_t size) {                                                   \
         return getString(k##item, nodeId, buffer, valueInfo, size, initial);                   \

@@ -14,6 +14,17 @@ constexpr int32_t kProfile = 0;  // the one that the settings address
 constexpr uint32_t kExtra = 0;
 constexpr size_t kWordSize = 65;
 
+constexpr char kListNames[][30] = {
+    "",
+#define INT_LIST(item, node, list, ...) list,
+#define STRING_LIST INT_LIST
+#include "settings/catalogue.def"
+};
+
+const char* listName(const Item& item) {
+    return kListNames[static_cast<size_t>(item.list)];
+}
+
 sqlite3* connectionOf(const Item& item) {
     return item.database == Database::Persistent ? openPersistentDatabase()
                                                  : openVolatileDatabase();
@@ -26,8 +37,8 @@ bool isProfiled(const Item& item) {
 KeyPath itemPath(const Item& item, const char* nodeId) {
     KeyPath path{};
     KeyPathSlot* slot = path.slots;
-    if (item.list[0] != '\0') {
-        *slot++ = {item.list, nodeId};
+    if (item.list != List::None) {
+        *slot++ = {listName(item), nodeId};
     }
     *slot = {"dal_key", item.key};
     return path;
@@ -35,7 +46,7 @@ KeyPath itemPath(const Item& item, const char* nodeId) {
 
 // All nodes of the list if nodeId is null.
 KeyPath nodePath(const Item& item, const char* nodeId) {
-    return {{{item.list, nodeId}}};
+    return {{{listName(item), nodeId}}};
 }
 
 int32_t numberOf(const char* text, Words words, int32_t otherwise) {
@@ -149,7 +160,7 @@ int32_t isNodePresent(const Item& item, const char* nodeId) {
 
 char** listNodes(const Item& item) {
     const KeyPath path = nodePath(item, nullptr);
-    return DAL_listProfiledNodeItems(connectionOf(item), &path, item.list, kProfile);
+    return DAL_listProfiledNodeItems(connectionOf(item), &path, listName(item), kProfile);
 }
 
 // The word is looked at whatever the read returned: a failed one has delivered the default.

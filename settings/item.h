@@ -12,11 +12,19 @@
 enum class Database : uint8_t { Persistent, Volatile };
 enum class Scope : uint8_t { Profiled, Unprofiled };
 
-// The texts lie in the row itself: pointers to them would have to be relocated in each process.
+// Each list has one item, for which it's named here.
+enum class List : uint8_t {
+    None,
+#define INT_LIST(item, ...) item,
+#define STRING_LIST INT_LIST
+#include "settings/catalogue.def"
+};
+
+// The key lies in the row itself: a pointer to it would have to be relocated in each process.
 struct Item {
     Database database;
     Scope scope;
-    char list[30];  // empty for an item that is in no list
+    List list;
     char key[37];
 };
 

@@ -1,6 +1,6 @@
 // What the settings ask of the data access library, of SQLite and of the system, word for word: all
 // of them are played here, and each call is told in a line.
-#include <algorithm>
+#include <concepts>
 #include <cstring>
 #include <regex>
 
@@ -15,45 +15,33 @@ static char text[9];
 static char* block;
 
 static std::string calls;        // a line each
-static std::string failing;      // as the call begins that fails
+static std::string failing;      // the line of the call that fails
 constexpr int32_t kAnswer = 77;  // of a call on an item
 static char* nodes[1];           // of a listing
 
-// A connection is played by the path that it was opened with.
-template <typename Argument>
-static std::string shown(Argument argument) {
-    if constexpr (std::is_integral_v<Argument>) {
-        return std::to_string(argument);
-    } else if (argument == nullptr) {
-        return "null";
-    } else if constexpr (std::is_same_v<Argument, const char*>) {
-        return argument;
-    } else if constexpr (std::is_same_v<Argument, sqlite3*>) {
-        return reinterpret_cast<char*>(argument)[1] == 'm' ? "persistent" : "volatile";
-    } else if constexpr (std::is_same_v<Argument, const KeyPath*>) {
-        std::string all;
-        for (const auto& [name, value] : argument->slots) {
-            all += name || value ? joined(shown(name), shown(value)) + "/" : "/";
+// An argument in words; a connection is played by its name.
+struct Shown {
+    Shown(std::integral auto value) : words(std::to_string(value)) {}
+    Shown(const char* string) : words(string == nullptr ? "null" : string) {}
+    Shown(sqlite3* name) : Shown(reinterpret_cast<const char*>(name)) {}
+    Shown(int32_t* value) : words(value == &number ? "&number" : "?") {}
+    Shown(char** value) : words(value == &block ? "&block" : "?") {}
+    Shown(uint32_t* word) : words(word == &length ? "&length" : *word == 0 ? "own 0" : "?") {}
+    Shown(char* buffer) : words(buffer == text ? "text" : "own") { std::strcpy(buffer, "AUTO"); }
+    Shown(const KeyPath* path) {
+        for (const auto& [name, value] : path->slots) {
+            words += name || value ? Shown(name).words + " " + Shown(value).words + "/" : "/";
         }
-        return all.substr(0, all.find_last_not_of('/') + 1);
-    } else {
-        if constexpr (std::is_same_v<Argument, char*>) {
-            std::strcpy(argument, "AUTO");  // every getter delivers
-        } else if constexpr (std::is_same_v<Argument, uint32_t*>) {
-            if (argument != &length) {
-                return "own " + std::to_string(*argument);
-            }
-        }
-        const void* const callers[] = {&number, &length, text, &block};
-        const char* const names[] = {"&number", "&length", "text", "&block", "own"};
-        return names[std::find(callers, std::end(callers), argument) - callers];
+        words.erase(words.find_last_not_of('/') + 1);
     }
-}
+    std::string words;
+};
 
-template <typename... Arguments>
-static int32_t tell(int32_t answer, const char* function, Arguments... arguments) {
-    const std::string call = joined(function, shown(arguments)...) + "\n";
-    calls += call;
+static int32_t tell(int32_t answer, std::string call, std::initializer_list<Shown> arguments) {
+    for (const Shown& argument : arguments) {
+        call += " " + argument.words;
+    }
+    calls += call += "\n";
     return call == failing ? 1 : answer;
 }
 
@@ -61,10 +49,10 @@ static int32_t tell(int32_t answer, const char* function, Arguments... arguments
 #define MORE(...) __VA_OPT__(,) __VA_ARGS__
 #define ON_ITEM(verb, noun, parameters, arguments)                                              \
     int32_t DAL_##verb##noun(sqlite3* db, const KeyPath* key MORE parameters) {                 \
-        return tell(kAnswer, #verb #noun, db, key MORE arguments);                              \
+        return tell(kAnswer, #verb #noun, {db, key MORE arguments});                              \
     }                                                                                           \
     int32_t DAL_##verb##Profiled##noun(sqlite3* db, const KeyPath* key MORE parameters, int32_t profile) { \
-        return tell(kAnswer, #verb "Profiled" #noun, db, key MORE arguments, profile);          \
+        return tell(kAnswer, #verb "Profiled" #noun, {db, key MORE arguments, profile});          \
     }
 ON_ITEM(get, TypeBOOL, (BOOL* a, BOOL b), (a, b))
 ON_ITEM(get, TypeInt, (int32_t* a, int32_t b), (a, b))
@@ -75,19 +63,19 @@ ON_ITEM(set, TypeIntLimits, (int32_t a, uint32_t b, int32_t c, int32_t d), (a, b
 ON_ITEM(set, TypeString, (const char* a, uint32_t b), (a, b))
 ON_ITEM(delete, Item, (), ())
 ON_ITEM(is, Present, (), ())
-int32_t DAL_deleteProfiledNodeItem(sqlite3* a, const KeyPath* b, int32_t c) { return tell(kAnswer, "deleteProfiledNodeItem", a, b, c); }
-int32_t DAL_isProfiledNodePresent(sqlite3* a, const KeyPath* b, int32_t c) { return tell(kAnswer, "isProfiledNodePresent", a, b, c); }
-char** DAL_listProfiledNodeItems(sqlite3* a, const KeyPath* b, const char* c, int32_t d) { tell(0, "listProfiledNodeItems", a, b, c, d); return nodes; }
-int32_t DAL_SetDBConfiguration(sqlite3* a) { return tell(0, "SetDBConfiguration", a); }
-int32_t DAL_CreateFlatKeyTable(sqlite3* a) { return tell(0, "CreateFlatKeyTable", a); }
-int32_t DAL_DeleteFlatKeyTable(sqlite3* a) { return tell(0, "DeleteFlatKeyTable", a); }
-int32_t DAL_ExecuteQuery(sqlite3* a, const char* b) { return tell(0, "ExecuteQuery", a, b); }
-int sqlite3_close(sqlite3* a) { return tell(0, "sqlite3_close", a); }
+int32_t DAL_deleteProfiledNodeItem(sqlite3* a, const KeyPath* b, int32_t c) { return tell(kAnswer, "deleteProfiledNodeItem", {a, b, c}); }
+int32_t DAL_isProfiledNodePresent(sqlite3* a, const KeyPath* b, int32_t c) { return tell(kAnswer, "isProfiledNodePresent", {a, b, c}); }
+char** DAL_listProfiledNodeItems(sqlite3* a, const KeyPath* b, const char* c, int32_t d) { tell(0, "listProfiledNodeItems", {a, b, c, d}); return nodes; }
+int32_t DAL_SetDBConfiguration(sqlite3* a) { return tell(0, "SetDBConfiguration", {a}); }
+int32_t DAL_CreateFlatKeyTable(sqlite3* a) { return tell(0, "CreateFlatKeyTable", {a}); }
+int32_t DAL_DeleteFlatKeyTable(sqlite3* a) { return tell(0, "DeleteFlatKeyTable", {a}); }
+int32_t DAL_ExecuteQuery(sqlite3* a, const char* b) { return tell(0, "ExecuteQuery", {a, b}); }
+int sqlite3_close(sqlite3* a) { return tell(0, "sqlite3_close", {a}); }
 int sqlite3_open(const char* path, sqlite3** db) {
-    *db = reinterpret_cast<sqlite3*>(const_cast<char*>(path));
-    return tell(0, "sqlite3_open", path);
+    *db = reinterpret_cast<sqlite3*>(const_cast<char*>(path[1] == 'm' ? "persistent" : "volatile"));
+    return tell(0, "sqlite3_open", {path});
 }
-int system(const char* command) { return tell(0, "system", command); }
+int system(const char* command) { return tell(0, "system", {command}); }
 // clang-format on
 
 namespace {

@@ -1,0 +1,236 @@
+// Whether the data access library that the loader finds under its soname keeps its contract, on a
+// database of the test's own in TMPDIR. Of this project it needs nothing else.
+#include "contracts/data_access.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+#include "support/sqlite_query.h"
+
+namespace {
+
+#define LIST "home_screen_icons"
+const KeyPath kPlain{{{"dal_key", "k"}}};
+const KeyPath kItem{{{LIST, "n"}, {"dal_key", "k"}}};
+const KeyPath kSecond{{{LIST, "m"}, {"dal_key", "k"}}};
+const KeyPath kNode{{{LIST, "n"}}};
+const KeyPath kWholeList{{{LIST, nullptr}}};
+
+struct Gotten {
+    int32_t value, result;
+};
+
+// The functions of a type and scope.
+struct Access {
+    const char* type;
+    std::function<int32_t(sqlite3*, const KeyPath*, int32_t value)> set;
+    std::function<Gotten(sqlite3*, const KeyPath*, int32_t initial)> get;
+    std::function<bool(sqlite3*, const KeyPath*)> isPresent;
+    std::function<int32_t(sqlite3*, const KeyPath*)> remove;
+    bool isProfiled;
+};
+
+template <typename... Profile>
+Access number(const char* type, auto set, auto get, auto isPresent, auto remove,
+              Profile... profile) {
+    return {type,
+            [=](auto db, auto key, auto value) {
+                return set(db, key, value, 0, INT_MIN, INT_MAX, profile...);
+            },
+            [=](auto db, auto key, auto initial) {
+                Gotten gotten{-9, -9};
+                gotten.result = get(db, key, &gotten.value, initial, profile...);
+                return gotten;
+            },
+            [=](auto db, auto key) { return isPresent(db, key, profile...) != 0; },
+            [=](auto db, auto key) { return remove(db, key, profile...); },
+            sizeof...(profile) > 0};
+}
+
+// Numbers as strings, to which the library keeps no pointer.
+template <typename... Profile>
+Access string(auto set, auto get, auto isPresent, auto remove, Profile... profile) {
+    const auto setText = [=](auto db, auto key, int32_t value, auto...) {
+        return set(db, key, std::to_string(value).c_str(), 0, profile...);
+    };
+    const auto getText = [=](auto db, auto key, int32_t* value, int32_t initial, auto...) {
+        char text[16] = "-9";
+        uint32_t word = 0;
+        const int32_t result =
+            get(db, key, text, &word, sizeof text, std::to_string(initial).c_str(), profile...);
+        *value = std::atoi(text);
+        return result;
+    };
+    return number("String", setText, getText, isPresent, remove, profile...);
+}
+
+#define NAMES(Scope, Type, Limits)                                              \
+    DAL_set##Scope##Type##Limits, DAL_get##Scope##Type, DAL_is##Scope##Present, \
+        DAL_delete##Scope##Item
+const Access kAccesses[] = {
+    number("BOOL", NAMES(, TypeBOOL, Limits)),
+    number("BOOL", NAMES(Profiled, TypeBOOL, Limits), 0),
+    number("Int", NAMES(, TypeInt, Limits)),
+    number("Int", NAMES(Profiled, TypeInt, Limits), 0),
+    string(NAMES(, TypeString, )),
+    string(NAMES(Profiled, TypeString, ), 0),
+};
+const Access& kPlainInt = kAccesses[2];
+const Access& kInt = kAccesses[3];
+constexpr int32_t kAbsent = -1;
+
+class DataAccessContract : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_NE(mkdtemp(folder.data()), nullptr);
+        db = connect();
+        execute("CREATE TABLE tbl_" LIST " (c_" LIST " TEXT, c_dal_profile_no TEXT, UNIQUE(c_" LIST
+                ", c_dal_profile_no));");
+        execute("CREATE TABLE tbl_" LIST "_dal_key_dal_value (c_" LIST
+                " TEXT, c_dal_key TEXT, c_dal_profile_no TEXT, c_dal_value TEXT, UNIQUE(c_" LIST
+                ", c_dal_key, c_dal_profile_no), FOREIGN KEY(c_" LIST
+                ", c_dal_profile_no) REFERENCES tbl_" LIST " (c_" LIST
+                ", c_dal_profile_no) ON DELETE CASCADE ON UPDATE CASCADE);");
+        EXPECT_EQ(DAL_CreateFlatKeyTable(db), 0);
+    }
+    void TearDown() override {
+        sqlite3_close(db);
+        std::filesystem::remove_all(folder);
+    }
+
+    sqlite3* connect() {
+        sqlite3* connection = nullptr;
+        EXPECT_EQ(sqlite3_open((folder + "/db").c_str(), &connection), SQLITE_OK);
+        EXPECT_EQ(DAL_SetDBConfiguration(connection), 0);
+        return connection;
+    }
+    void execute(const char* sql) { EXPECT_EQ(DAL_ExecuteQuery(db, sql), 0) << sql; }
+    void expectStored(const Access& access, const KeyPath& key, int32_t value) {
+        const Gotten got = access.get(db, &key, 5);
+        EXPECT_EQ(got.value, value == kAbsent ? 5 : value) << access.type;
+        EXPECT_TRUE(got.result == 0 || value == kAbsent) << access.type;
+        EXPECT_EQ(access.isPresent(db, &key), value != kAbsent) << access.type;
+    }
+
+    std::string folder = testing::TempDir() + "data-access-XXXXXX";
+    sqlite3* db = nullptr;
+};
+
+TEST_F(DataAccessContract, AnItemIsSetReplacedReadAndDeleted) {
+    for (const Access& access : kAccesses) {
+        for (const KeyPath& key : {kPlain, access.isProfiled ? kItem : kPlain}) {
+            expectStored(access, key, kAbsent);
+            for (const int32_t value : {1, 0}) {
+                EXPECT_EQ(access.set(db, &key, value), 0) << access.type;
+                expectStored(access, key, value);
+            }
+            EXPECT_EQ(access.remove(db, &key), 0) << access.type;
+            expectStored(access, key, kAbsent);
+            EXPECT_EQ(access.set(db, &key, 1), 0) << access.type;
+            EXPECT_EQ(DAL_deleteProfiledItem(db, &key, DAL_ALL_PROFILES), 0) << access.type;
+            expectStored(access, key, kAbsent);
+        }
+    }
+}
+
+TEST_F(DataAccessContract, WithoutAConnectionAllFailsAndGettersDeliver) {
+    for (const Access& access : kAccesses) {
+        const Gotten got = access.get(nullptr, &kPlain, 5);
+        EXPECT_TRUE(got.value == 5 && got.result != 0) << access.type;
+        EXPECT_NE(access.set(nullptr, &kPlain, 1), 0) << access.type;
+        EXPECT_NE(access.remove(nullptr, &kPlain), 0) << access.type;
+        EXPECT_FALSE(access.isPresent(nullptr, &kPlain)) << access.type;
+    }
+    char* text = nullptr;
+    uint32_t word = 0;
+    EXPECT_NE(DAL_getTypeStringMalloc(nullptr, &kPlain, &text, &word), 0);
+    EXPECT_NE(DAL_getProfiledTypeStringMalloc(nullptr, &kPlain, &text, &word, 0), 0);
+    for (const auto function :
+         {DAL_SetDBConfiguration, DAL_CreateFlatKeyTable, DAL_DeleteFlatKeyTable}) {
+        EXPECT_NE(function(nullptr), 0);
+    }
+    EXPECT_NE(DAL_ExecuteQuery(nullptr, "BEGIN TRANSACTION;"), 0);
+    EXPECT_NE(DAL_deleteProfiledNodeItem(nullptr, &kNode, 0), 0);
+    EXPECT_EQ(DAL_isProfiledNodePresent(nullptr, &kNode, 0), 0);
+}
+
+TEST_F(DataAccessContract, NumbersAndTextsComeBackAsTheyWere) {
+    for (const int32_t value : {INT_MIN, -2, INT_MAX}) {
+        EXPECT_EQ(kPlainInt.set(db, &kPlain, value), 0);
+        expectStored(kPlainInt, kPlain, value);
+    }
+    for (const std::string& value :
+         {std::string(), std::string(5000, 'x'), std::string("'\xc3\xa9\" %s")}) {
+        char* texts[2] = {};
+        uint32_t word = 0;
+        EXPECT_EQ(DAL_setTypeString(db, &kPlain, value.c_str(), 0), 0);
+        EXPECT_EQ(DAL_setProfiledTypeString(db, &kItem, value.c_str(), 0, 0), 0);
+        EXPECT_EQ(DAL_getTypeStringMalloc(db, &kPlain, &texts[0], &word), 0);
+        EXPECT_EQ(DAL_getProfiledTypeStringMalloc(db, &kItem, &texts[1], &word, 0), 0);
+        for (char* const text : texts) {
+            EXPECT_EQ(text, value);
+            free(text);
+        }
+        for (const size_t size : {1u, 5u, 65u}) {
+            std::string buffer(100, '#');
+            DAL_getTypeString(db, &kPlain, buffer.data(), &word, size, "default");
+            EXPECT_LT(buffer.find('\0'), size);
+            EXPECT_EQ(buffer.substr(size), std::string(100 - size, '#'));
+            EXPECT_TRUE(value.size() >= size || buffer.c_str() == value);
+        }
+    }
+}
+
+TEST_F(DataAccessContract, ANodeComesWithItsFirstItemAndTakesItAlong) {
+    EXPECT_EQ(DAL_isProfiledNodePresent(db, &kNode, 0), 0);
+    EXPECT_EQ(kInt.set(db, &kItem, 1) + kInt.set(db, &kSecond, 0), 0);
+    EXPECT_NE(DAL_isProfiledNodePresent(db, &kNode, 0), 0);
+    static char** listed = DAL_listProfiledNodeItems(db, &kWholeList, LIST, 0);
+    EXPECT_NE(listed, nullptr) << "its form and release are the library's own";
+    EXPECT_EQ(DAL_deleteProfiledNodeItem(db, &kNode, 0), 0);
+    EXPECT_EQ(DAL_isProfiledNodePresent(db, &kNode, 0), 0);
+    expectStored(kInt, kItem, kAbsent);
+    expectStored(kInt, kSecond, 0);
+    execute("INSERT INTO tbl_home_screen_icons VALUES ('of another profile', '5');");
+    EXPECT_EQ(DAL_deleteProfiledNodeItem(db, &kWholeList, DAL_ALL_PROFILES), 0);
+    EXPECT_EQ(query(folder + "/db", "SELECT * FROM tbl_home_screen_icons"), "");
+    expectStored(kInt, kSecond, kAbsent);
+}
+
+TEST_F(DataAccessContract, TheFlatKeyTableKeepsItsRowsUntilTheyAreDeletedInATransaction) {
+    EXPECT_EQ(kPlainInt.set(db, &kPlain, 1) + kInt.set(db, &kItem, 1), 0);
+    EXPECT_EQ(DAL_CreateFlatKeyTable(db), 0);
+    expectStored(kPlainInt, kPlain, 1);
+    sqlite3* const other = connect();
+    execute("BEGIN TRANSACTION;");
+    execute("DELETE FROM tbl_home_screen_icons;");
+    EXPECT_EQ(DAL_DeleteFlatKeyTable(db), 0);
+    EXPECT_EQ(kPlainInt.get(other, &kPlain, 5).value, 1) << "it isn't committed";
+    execute("COMMIT;");
+    EXPECT_EQ(kPlainInt.get(other, &kPlain, 5).value, 5) << "it's looked up each time";
+    expectStored(kInt, kItem, kAbsent);
+    EXPECT_EQ(kPlainInt.set(db, &kPlain, 0), 0);
+    expectStored(kPlainInt, kPlain, 0);
+    EXPECT_NE(DAL_ExecuteQuery(db, "DELETE FROM tbl_of_nobody;"), 0);
+    sqlite3_close(other);
+}
+
+TEST_F(DataAccessContract, ThreadsShareAConnection) {
+    std::vector<std::jthread> threads;
+    for (const Access& access : kAccesses) {
+        threads.emplace_back([&] {
+            const std::string name = access.type + std::to_string(access.isProfiled);
+            const KeyPath key{{{"dal_key", name.c_str()}}};
+            for (int32_t round = 0; round < 50; ++round) {
+                EXPECT_EQ(access.set(db, &key, round % 2), 0) << name;
+                expectStored(access, key, round % 2);
+            }
+        });
+    }
+}
+
+}  // namespace

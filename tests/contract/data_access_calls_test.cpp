@@ -2,7 +2,6 @@
 // of them are played here, and each call is told in a line.
 #include <concepts>
 #include <cstring>
-#include <regex>
 
 #include "console-manager/settings.h"
 #include "contracts/data_access.h"
@@ -136,7 +135,9 @@ std::string forEachList(const std::string& text) {
     for (const char* list :
          {"browser_destination_hide_list", "browser_information_hide_list", "home_screen_icons",
           "qor_hot_key_select_list", "icons_menu_favourites"}) {
-        all += std::regex_replace(text, std::regex("@"), list);
+        for (const char c : text) {
+            all += c == '@' ? list : std::string(1, c);
+        }
     }
     return all;
 }

@@ -1,8 +1,10 @@
 // The ports of a network namespace of the test's own, with a real kernel.
 #include "console-manager/network.h"
 
+#include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -43,12 +45,14 @@ TEST_F(Network, AddressesAreThoseOfTheKernel) {
         {"wire", "192.0.2.5", "255.255.255.128", "2001:db8::5", "02:00:5e:10:00:01"},
         {"lo", "127.0.0.1", "255.0.0.0", "::1", "00:00:00:00:00:00"},
         {"wir", "", "", "", ""}};
+    close(STDIN_FILENO);  // 0 is a descriptor like any other
     for (const auto& [port, address, mask, address6, mac] : cases) {
         EXPECT_STREQ(CML_getNetworkPortIPv4Address(port), address);
         EXPECT_STREQ(CML_getNetworkPortIPv4NetMask(port), mask);
         EXPECT_STREQ(CML_getNetworkPortIPv6Address(port), address6);
         EXPECT_STREQ(CML_getNetworkPortMACAddress(port), mac);
     }
+    EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1) << "left open";
     int32_t received = -1;
     int32_t sent = -1;
     run("ping -c1 -w5 127.0.0.1 >/dev/null");

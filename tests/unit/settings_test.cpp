@@ -1,6 +1,9 @@
 // The settings on real databases.
+#include <algorithm>
 #include <array>
+#include <barrier>
 #include <cctype>
+#include <thread>
 
 #include "contracts/qor_core.h"
 #include "support/setting.h"
@@ -109,6 +112,25 @@ TEST_P(EachSetting, HasItsFunctionsAndItsRow) {
 
 INSTANTIATE_TEST_SUITE_P(Settings, EachSetting, testing::ValuesIn(kSettings),
                          [](const auto& of) { return of.param.name; });
+
+TEST_F(Settings, AreOpenedOnceByThreadsThatComeTogether) {
+    std::barrier start(8);
+    const auto use = [&] {
+        start.arrive_and_wait();
+        EXPECT_EQ(DAL_CML_isThemePresent() + DAL_CML_isAutoThemePresent(), 0);
+    };
+    std::array<std::jthread, 8> threads;
+    std::ranges::generate(threads, [&] { return std::jthread(use); });
+    std::ranges::for_each(threads, &std::jthread::join);
+    EXPECT_EQ(run("ls -l /proc/$PPID/fd | grep -c 'console-manager.db$'"), "2\n");
+}
+
+TEST_F(Settings, AreClearedWithoutTheVolatileDatabase) {
+    run("mkdir " + kVolatileFile);
+    EXPECT_EQ(DAL_CML_setTheme(1), 0);
+    EXPECT_EQ(DAL_CML_deleteAll(), 1);
+    EXPECT_EQ(DAL_CML_isThemePresent(), 0);
+}
 
 TEST_F(Settings, AnUnusableDatabaseIsReportedAndTriedAgain) {
     TDL_LoggerRecord silent{1, ~2u};

@@ -219,24 +219,15 @@ std::vector<Subject> deviceSubjects() {
 }
 // clang-format on
 
+// clang-format off
 std::vector<Subject> wifiSubjects() {
-    const auto subject = [](const char* name, const char* good, const Texts& failed,
-                            std::string (*call)()) -> Subject {
-        // What the kernel has seen is kept for one call.
-        const auto run = [=] {
-            std::vector<std::string>().swap(kernel.sent);
-            std::string().swap(kernel.commands);
-            return call();
-        };
-        return {"wifi", {name, good, failed, run}};
-    };
     const auto init = [] {
         const Handle wifi(callWithin<wifi_data*>(wifi_scan_init, "wlan7"));
         return std::string(wifi ? "handle" : "null");
     };
     const auto close = [] {
         callWithin<void>(wifi_scan_close, wifi_scan_init("wlan7"));
-        return std::string(kernel.openSockets == 0 ? "closed" : "open");
+        return joined(kernel.openSockets);
     };
     const auto all = [] {
         const Handle wifi(wifi_scan_init("wlan7"));
@@ -256,18 +247,20 @@ std::vector<Subject> wifiSubjects() {
         const int32_t result = callWithin<int32_t>(CML_getWifiStatus, "wlan7", &link);
         return joined(result, link.ssid == nullptr ? "null" : link.ssid, link.rxPackets);
     };
-    return {subject("wifi_scan_init", "handle", {"null", "ended"}, init),
-            subject("wifi_scan_close", "closed", {}, close),
-            subject("wifi_scan_all", "2 net2", {"-1 ", "0 ", "1 net1", "ended"}, all),
-            subject("wifi_scan_station", "1 net2 1 5",
-                    {"0  0 0", "1 net1 -1 0", "1 net1 -1 5", "1 net2 1 0", "ended"}, station),
-            subject("CML_getWifiStatus", "1 net2 5", {"0 null 0", "1  0", "1 net1 5", "ended"},
-                    status)};
+    return {{"wifi", {"wifi_scan_init", "handle", {"null", "ended"}, init}},
+            {"wifi", {"wifi_scan_close", "0", {}, close}},
+            {"wifi", {"wifi_scan_all", "2 net2", {"-1 ", "0 ", "1 net1", "ended"}, all}},
+            {"wifi", {"wifi_scan_station", "1 net2 1 5", {"0  0 0", "1 net1 -1 0", "1 net1 -1 5", "1 net2 1 0", "ended"}, station}},
+            {"wifi", {"CML_getWifiStatus", "1 net2 5", {"0 null 0", "1  0", "1 net1 5", "ended"}, status}}};
 }
+// clang-format on
 
 }  // namespace
 
 std::string Call::result() const {
+    // What the played kernel has seen is kept for one call.
+    std::vector<std::string>().swap(kernel.sent);
+    std::string().swap(kernel.commands);
     try {
         return run();
     } catch (const std::filesystem::filesystem_error&) {
@@ -305,17 +298,17 @@ void Calls::replace(const std::string& file, const std::string& content) {
 void Calls::prepare() {
     addPorts();
     run("ip route replace default via 192.0.2.1 dev wire");
+    // clang-format off
     const std::pair<const char*, const char*> files[] = {
         {"/sys/class/net/wire/statistics/rx_bytes", "12\n"},
         {"/sys/class/net/wire/statistics/tx_bytes", "34\n"},
-        {"/etc/os-release",
-         "BUILD_MODE=text\nID=text\nBUILD_ID=text\nMACHINE=text\nVERSION=text\n"},
+        {"/etc/os-release", "BUILD_MODE=text\nID=text\nBUILD_ID=text\nMACHINE=text\nVERSION=text\n"},
         {"/proc/meminfo", "MemTotal: 2048 kB\nMemFree: 512 kB\n"},
         {"/proc/stat", "cpu 1 1 1 1\ncpu0 1 1 1 1\n"},
         {"/proc/uptime", "12345.67 54321.89\n"},
         {"df", "test \"$*\" = '-k /mnt/vex-data' && echo /dev/data 1000 250"},
-        {"ping",
-         "test \"$*\" = '-c1 -w1 -I wire host'; status=$?; echo out; echo err >&2; exit $status"}};
+        {"ping", "test \"$*\" = '-c1 -w1 -I wire host'"}};
+    // clang-format on
     for (const auto& [file, content] : files) {
         replace(file, content);
     }

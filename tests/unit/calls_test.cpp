@@ -3,6 +3,7 @@
 #include <locale>
 #include <thread>
 
+#include "console-manager/device.h"
 #include "support/calls.h"
 
 namespace {
@@ -36,17 +37,29 @@ INSTANTIATE_TEST_SUITE_P(Functions, EachCall, testing::ValuesIn(functionSubjects
 
 using Threads = Calls;
 
-TEST_F(Threads, DontDisturbEachOther) {
-    constexpr size_t kThreads = 4;
+constexpr size_t kThreads = 4;
+
+// They begin together.
+void inThreads(const std::function<void(size_t)>& work) {
     std::barrier start(kThreads);
-    // Calls that share something are left to one thread; the one of all settings is left out.
+    std::vector<std::jthread> threads;
+    for (size_t thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&start, &work, thread] {
+            start.arrive_and_wait();
+            work(thread);
+        });
+    }
+}
+
+TEST_F(Threads, DontDisturbEachOther) {
     std::vector<Subject> subjects = functionSubjects();
     std::ranges::copy(settingSubjects(), std::back_inserter(subjects));
+    // The one that is of all settings is left out.
     std::erase_if(subjects, [](const Subject& subject) { return subject.owner == "settings"; });
-    const auto work = [&](size_t thread) {
-        start.arrive_and_wait();
+    inThreads([&](size_t thread) {
         for (int round = 0; round < 3; ++round) {
             for (const Subject& subject : subjects) {
+                // Calls that share something are left to one thread.
                 const size_t owner = std::hash<std::string>()(subject.owner) % kThreads;
                 for (const Call& call : subject.calls) {
                     EXPECT_TRUE((!subject.owner.empty() && owner != thread) ||
@@ -55,11 +68,33 @@ TEST_F(Threads, DontDisturbEachOther) {
                 }
             }
         }
-    };
-    std::vector<std::jthread> threads;
-    for (size_t thread = 0; thread < kThreads; ++thread) {
-        threads.emplace_back(work, thread);
+    });
+}
+
+TEST_F(Threads, TakeTheSameReleaseTextsFromTheFile) {
+    std::string file = "BUILD_ID=a=b\n=nameless\nno separator\nBUILD_ID =\"c";
+    std::map<std::string, std::string> entries = {
+        {"", "nameless"}, {"BUILD_ID", "a=b"}, {"BUILD_ID ", "\"c"}};
+    for (int i = 0; i < 3000; ++i) {
+        const std::string name = "N" + std::to_string(i);
+        file += "\n" + name + "=text";
+        entries[name] = "text";
     }
+    bindFile("/etc/os-release", file);
+    std::vector<const char*> texts(kThreads);
+    inThreads([&](size_t thread) { texts[thread] = CML_getBuildId(); });
+    EXPECT_EQ(os_release, entries);
+    EXPECT_EQ(texts, std::vector(kThreads, CML_getBuildId())) << "the same pointers";
+
+    os_release.clear();
+    bindFile("/etc/os-release", "");
+    EXPECT_STREQ(CML_getProductRelease(), "");
+    bindFile("/etc/os-release", "ID=late\n");
+    EXPECT_STREQ(CML_getProductID(), "") << "it's looked for once";
+}
+
+TEST(Usage, IsNothingBeforeTheSecondReading) {
+    EXPECT_EQ(CML_getCPUUsage(), 0);
 }
 
 }  // namespace

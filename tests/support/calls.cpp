@@ -210,7 +210,7 @@ std::vector<Subject> deviceSubjects() {
         {"usage", {"CML_getCPUUsage", "nan", {kNoMemory}, [] { return figure(callWithin<long double>(CML_getCPUUsage)); },
                    {{stat, "cpu 2 1 1 4\ncpu0 0 0 0 0\n", "0.25"}}}},
         {"", {"CML_getUpTime", "12345.67", {"0", kNoMemory}, [] { return joined(callWithin<long double>(CML_getUpTime)); },
-              {{"/proc/uptime", "1.234.567 2\n", "1.234"}, {"/proc/uptime", "", "0"}}}},
+              {{"/proc/uptime", "1.234.567 2\n", "1.234"}, {"/proc/uptime", "1e3 2\n", "1000"}, {"/proc/uptime", "", "0"}}}},
         {"", {"CML_restoreDisplayBrightness", "", {}, restore}},
         numberSubject("CML_getAllowDriverToAdjustBrightness", "AllowDriverToAdjustBrightness", CML_getAllowDriverToAdjustBrightness, DAL_CML_setAllowDriverToAdjustBrightness, 1, "0"),
         numberSubject("CML_getDisplayInactivityTimeout", "DisplayInactivityTimeout", CML_getDisplayInactivityTimeout, DAL_CML_setDisplayInactivityTimeout, -2, "15"),
@@ -247,20 +247,27 @@ std::vector<Subject> wifiSubjects() {
         const int32_t result = callWithin<int32_t>(CML_getWifiStatus, "wlan7", &link);
         return joined(result, link.ssid == nullptr ? "null" : link.ssid, link.rxPackets);
     };
-    return {{"wifi", {"wifi_scan_init", "handle", {"null", "ended"}, init}},
+    std::vector<Subject> subjects = {
+            {"wifi", {"wifi_scan_init", "handle", {"null", "ended"}, init}},
             {"wifi", {"wifi_scan_close", "0", {}, close}},
             {"wifi", {"wifi_scan_all", "2 net2", {"-1 ", "0 ", "1 net1", "ended"}, all}},
             {"wifi", {"wifi_scan_station", "1 net2 1 5", {"0  0 0", "1 net1 -1 0", "1 net1 -1 5", "1 net2 1 0", "ended"}, station}},
             {"wifi", {"CML_getWifiStatus", "1 net2 5", {"0 null 0", "1  0", "1 net1 5", "ended"}, status}}};
+    // What the played kernel has seen is kept for one call.
+    for (Subject& subject : subjects) {
+        subject.calls[0].run = [run = subject.calls[0].run] {
+            std::vector<std::string>().swap(kernel.sent);
+            std::string().swap(kernel.commands);
+            return run();
+        };
+    }
+    return subjects;
 }
 // clang-format on
 
 }  // namespace
 
 std::string Call::result() const {
-    // What the played kernel has seen is kept for one call.
-    std::vector<std::string>().swap(kernel.sent);
-    std::string().swap(kernel.commands);
     try {
         return run();
     } catch (const std::filesystem::filesystem_error&) {

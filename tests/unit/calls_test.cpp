@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "console-manager/device.h"
+#include "console-manager/settings.h"
 #include "support/calls.h"
 
 namespace {
@@ -91,6 +92,12 @@ TEST_F(Threads, TakeTheSameReleaseTextsFromTheFile) {
     EXPECT_STREQ(CML_getProductRelease(), "");
     bindFile("/etc/os-release", "ID=late\n");
     EXPECT_STREQ(CML_getProductID(), "") << "it's looked for once";
+}
+
+TEST_F(Threads, CanWriteBehindTheLibrarysMessage) {
+    run("mkdir /tmp/m7/console-manager.db");
+    EXPECT_EQ(DAL_CML_isAutoThemePresent(), 0) << "writes one";
+    std::jthread([] { std::fflush(stderr); });
 }
 
 TEST(Usage, IsNothingBeforeTheSecondReading) {

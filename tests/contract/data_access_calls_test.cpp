@@ -7,6 +7,8 @@
 #include "contracts/data_access.h"
 #include "support/sandbox.h"
 
+static_assert(std::size(KeyPath{}.slots) == 17);
+
 // What a caller hands over.
 static int32_t number;
 static uint32_t length;

@@ -192,6 +192,7 @@ std::vector<Subject> deviceSubjects() {
               [] { return twoNumbers<int32_t, int32_t>(CML_getMemoryInformation); },
               {{memory, "A: 1\n\nMemFree:\t512\nMemAvailable: 3 kB\n  MemTotal:   2048", "2048 512"},
                {memory, "MemTotal 1\nMemFree:x 2\nMemTotal:3\nmemtotal: 4\nXMemFree: 5\n", "7 8"},
+               {memory, "MemTotal: -5\nMemFree: +7\n", "-5 7"},
                {memory, "MemTotal: 1.024\nMemFree: 1,024\n", "1 1"},
                {memory, "MemTotal: 2147483647\nMemFree: 2147483648\n", "2147483647 8"}}}},
         // In a file that stands still nothing can be divided, and a reading that fails leaves the

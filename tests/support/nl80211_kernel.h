@@ -275,6 +275,7 @@ ssize_t recv(int descriptor, void* buffer, size_t size, int flags) {
         return next(descriptor, buffer, size, flags);
     }
     mnl_socket* const socket = kernel.commanded;
+    errno = EAGAIN;
     return descriptor != socket->descriptor || socket->queue.empty()
                ? -1
                : mnl_socket_recvfrom(socket, buffer, size);

@@ -236,6 +236,8 @@ TEST_F(Wifi, TheJoinedNetworkComesFirst) {
     const std::string noNetwork =
         reply(NL80211_CMD_NEW_SCAN_RESULTS, attribute(NL80211_ATTR_IFINDEX, u32(7)));
     const std::string line = "Ignoring generic netlink command 28 seq 1 pid  1001 genl cmd 77\n";
+    std::string other = one;
+    other[sizeof(nlmsghdr)] = 77;  // the command
     std::string endless = one;
     endless.replace(0, 4, u32(0x80000010));
     const auto largest = static_cast<size_t>(std::min(sysconf(_SC_PAGESIZE), 8192L));
@@ -254,7 +256,7 @@ TEST_F(Wifi, TheJoinedNetworkComesFirst) {
         {"beyond the array", ended, {}, networks("1 2 3 4:1"), 2, 4, "32/1 ", "4:1 2 - - "},
         {"an array of one", ended, {}, networks("1 2:1 3:3"), 1, 3, "32/1 ", "2:1 - - - "},
         {"an array of none", ended, {}, networks("1:1 2"), 0, 2, "32/1 ", "- - - - "},
-        {"another message", ended, {}, {reply(77, ""), one + one, done()}, 1, 2, "32/1 ", "1 - - - " + line},
+        {"another message", ended, {}, {other, one + one, done()}, 1, 2, "32/1 ", "1 - - - " + line},
         {"a message without a network", ended, {}, {noNetwork, one, done()}, 3, 1, "32/1 ", "1 - - - "},
         {"an error", ended, {}, {one, acknowledgement(-EIO)}, 3, 1, "32/1 ", "1 - - - "},
         {"an error at once", ended, {}, {acknowledgement(-ENODEV)}, 3, 0, "32/1 ", "- - - - "},
@@ -313,6 +315,9 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
     const std::string faulty = station(attribute(NL80211_STA_INFO_TX_PACKETS, u32(7)) +
                                        attribute(NL80211_STA_INFO_SIGNAL, u16(1)) +
                                        attribute(NL80211_STA_INFO_RX_PACKETS, u32(7)));
+    std::string other = figures(-60, 5, 5);
+    other[sizeof(nlmsghdr)] = 18;  // the command
+    const std::string large(32, 'x');
     const Datagrams dump = networks("1 2:1 3");
     const std::string ignored = "Ignoring generic netlink command 28 seq 2 pid  1001 genl cmd 18\n";
     struct Case {
@@ -327,6 +332,7 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
         {{acknowledgement(-EPERM)}, {}, "0 9 before 9 9 9 9 9", " 0 0 0", ""},
         {networks("1 2"), {acknowledgement(-ENOENT)}, "1 1 net1 -1 9 9 9 9", " 0 0 0", ""},
         {dump, {figures(-60, 5, 4000000000)}, "1 2 net2 1 -60 -61 5 4000000000", "net2 -60 5 4000000000", ""},
+        {{network(ssid(large)), done()}, {}, "1 0 " + large + " -1 9 9 9 9", " 0 0 0", ""},
         {dump, {figures(-60, 0, 1)}, "1 2 net2 1 -60 -61 0 1", "net2 -60 0 1", ""},
         {dump, {figures(-60, 1, 0)}, "1 2 net2 1 -60 -61 1 0", "net2 -60 1 0", ""},
         {dump, {figures(-60, 0, 0)}, "1 2 net2 1 -60 -61 0 0", " -60 0 0", ""},
@@ -334,7 +340,7 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
         {dump, {figures(0, 5, 5)}, "1 2 net2 1 0 -1 5 5", "net2 0 5 5", ""},
         {dump, {figures(2, 5, 5)}, "1 2 net2 1 2 1 5 5", "net2 2 5 5", ""},
         {networks("2:2"), {faulty}, "1 2 net2 2 9 9 9 7", "net2 0 0 7", kInvalid},
-        {dump, {reply(NL80211_CMD_NEW_STATION, ""), reply(18, "")}, "1 2 net2 1 9 9 9 9", " 0 0 0", ignored},
+        {dump, {reply(NL80211_CMD_NEW_STATION, ""), other}, "1 2 net2 1 9 9 9 9", " 0 0 0", ignored},
     };
     // clang-format on
     const char* buffer = nullptr;
@@ -344,6 +350,7 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
         kernel.on[NL80211_CMD_GET_STATION] = c.answer;
         kernel.on[NL80211_CMD_GET_STATION].push_back(acknowledgement());
         wifi_station_record r{{9, 9, 9, 9, 9, 9}, "before", 9, 9, 9, 9, 9};
+        r.ssid[sizeof r.ssid - 1] = '9';
         testing::internal::CaptureStderr();
         const int32_t result = wifi_scan_station(wifi.get(), &r);
         EXPECT_EQ(joined(result, int{r.bssid[5]}, r.ssid, r.status, int{r.signal_dbm},
@@ -364,7 +371,10 @@ TEST_F(Wifi, WithoutAPortThereIsNoStatus) {
     CML_WifiStatus status{"x", 9, 9, 9};
     EXPECT_EQ(CML_getWifiStatus(nullptr, &status) + CML_getWifiStatus("wlan7", nullptr), 0);
     EXPECT_STREQ(status.ssid, "x");
+    testing::internal::CaptureStderr();
     EXPECT_EQ(CML_getWifiStatus("wlan8", &status), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              kPrefix + "Incorrect network interface: No such device\n");
     EXPECT_TRUE(status.ssid == nullptr && status.signalDbm == 0 && status.txPackets == 0);
     EXPECT_EQ(kernel.commands, "") << "nobody was asked";
 }

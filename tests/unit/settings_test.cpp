@@ -82,8 +82,13 @@ class EachSetting : public Sandbox, public testing::WithParamInterface<Setting> 
         inDatabase("INSERT INTO " + nodes + " VALUES ('n', '3')");
         EXPECT_EQ(setting.list.isNodePresent("n"), 1) << "its item's delete leaves it";
         EXPECT_EQ(take(setting.list.nodes()), Texts{"n"});
+        inDatabase(
+            "WITH RECURSIVE i(n) AS (SELECT 1000 UNION ALL SELECT n + 1 FROM i WHERE n < 1999) "
+            "INSERT INTO " +
+            nodes + " SELECT n, '0' FROM i");
+        EXPECT_EQ(take(setting.list.nodes()).size(), 1001u);
         EXPECT_EQ(setting.list.deleteNode("n") + setting.list.isNodePresent("n"), 0);
-        EXPECT_EQ(inDatabase("SELECT * FROM " + nodes), "n|3");
+        EXPECT_EQ(inDatabase("SELECT * FROM " + nodes + " WHERE c_dal_profile_no != '0'"), "n|3");
         EXPECT_EQ(setting.list.deleteAllNodes(), 0);
         EXPECT_EQ(inDatabase("SELECT * FROM " + nodes), "");
     }

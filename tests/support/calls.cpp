@@ -86,7 +86,10 @@ Subject settingSubject(const Setting& s) {
 // clang-format off
 std::vector<Subject> networkSubjects() {
     const auto addressOf = [](const char* (*ask)(const char*)) {
-        return [=] { return std::string(callWithin<const char*>(ask, "wire")); };
+        return [=] {
+            const std::string address = callWithin<const char*>(ask, "wire");
+            return address + ask("wir");  // no port, and so no text
+        };
     };
     const auto portStatus = [] {
         CML_NetworkPortStatus status{7, 7};

@@ -40,18 +40,13 @@ TEST_F(Network, PortsAreListedInOrderWithTheirState) {
     EXPECT_THROW(CML_getNetworkPortsList(0), std::filesystem::filesystem_error);
 }
 
-TEST_F(Network, AddressesAreThoseOfTheKernel) {
-    const char* const cases[][5] = {
-        {"wire", "192.0.2.5", "255.255.255.128", "2001:db8::5", "02:00:5e:10:00:01"},
-        {"lo", "127.0.0.1", "255.0.0.0", "::1", "00:00:00:00:00:00"},
-        {"wir", "", "", "", ""}};
+TEST_F(Network, TheLoopbackPortHasTheKernelsAddressesAndCounters) {
     close(STDIN_FILENO);  // 0 is a descriptor like any other
-    for (const auto& [port, address, mask, address6, mac] : cases) {
-        EXPECT_STREQ(CML_getNetworkPortIPv4Address(port), address);
-        EXPECT_STREQ(CML_getNetworkPortIPv4NetMask(port), mask);
-        EXPECT_STREQ(CML_getNetworkPortIPv6Address(port), address6);
-        EXPECT_STREQ(CML_getNetworkPortMACAddress(port), mac);
-    }
+    EXPECT_STREQ(CML_getNetworkPortIPv4Address("lo"), "127.0.0.1");
+    EXPECT_STREQ(CML_getNetworkPortIPv4NetMask("lo"), "255.0.0.0");
+    EXPECT_STREQ(CML_getNetworkPortIPv6Address("lo"), "::1");
+    EXPECT_STREQ(CML_getNetworkPortMACAddress("lo"), "00:00:00:00:00:00");
+    EXPECT_EQ(CML_checkNetworkPortActive("lo"), 1);
     EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1) << "left open";
     int32_t received = -1;
     int32_t sent = -1;

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <cstdlib>
 #include <memory>
-#include <mutex>
 #include <span>
 
 #include "contracts/data_access.h"
@@ -42,22 +41,29 @@ struct SettingsDatabase {
     const char* path;
     const char* directoryCommand;
     std::span<const char* const> schema;
-    std::mutex opening{};
     std::atomic<sqlite3*> handle = nullptr;
+    std::atomic<bool> isOpening = false;
+    std::atomic<int> attempts = 0;  // to open it, that are over
 
-    // After the first success one load and one test; the guard is for threads that come first
-    // together, of which one opens.
+    // After the first success one load and one test. Of threads that come first together one opens,
+    // and the others take what it got: with an attempt of its own for each, one after another, the
+    // last would wait many times as long for a database that can't be used.
     sqlite3* open() {
         if (sqlite3* const open = handle.load(std::memory_order_acquire)) {
             return open;
         }
-        const std::lock_guard guard(opening);
-        if (sqlite3* const open = handle.load(std::memory_order_relaxed)) {
-            return open;
+        const int before = attempts;
+        if (isOpening.exchange(true)) {
+            attempts.wait(before);
+            return handle;
         }
-        sqlite3* const opened = connect();
-        handle.store(opened, std::memory_order_release);
-        return opened;
+        if (handle == nullptr) {
+            handle = connect();
+        }
+        isOpening = false;
+        ++attempts;
+        attempts.notify_all();
+        return handle;
     }
 
     sqlite3* connect() const {

@@ -1,46 +1,50 @@
 #include "stand-ins/data-access/configuration.h"
 
-#include <chrono>
+#include <new>
 
-#include "stand-ins/data-access/transaction.h"
+#include "stand-ins/data-access/journal.h"
 
 namespace {
 
-constexpr int kBusyTimeoutMs = 10'000;
+// The log goes into the database after few pages, so that it stays short: it is what a process
+// reads when it opens the database, and what a copy of the database alone would lack.
+constexpr int kPagesOfLog = 64;
 
-// The write-ahead journal, because a set must be on the disk when it returns and power can go at
-// any moment: with full synchronisation it costs one fsync a commit, where a rollback journal costs
-// three or four; a writer doesn't block readers in other processes; and a commit is one append, so
-// that a kill leaves either all of it or a tail that the next open drops. Measured on ext4, an
-// update and its commit take a quarter to two fifths of the time that the fastest rollback journal
-// needs.
-// The switch wants the file to itself, and SQLite doesn't wait for that by its busy handler: when
-// several processes make it at once, the wait is made here.
-int32_t useWriteAheadJournal(sqlite3* connection) {
-    using Clock = std::chrono::steady_clock;
-    const auto end = Clock::now() + std::chrono::milliseconds(kBusyTimeoutMs);
-    for (;;) {
-        const int32_t result = execute(connection, "PRAGMA journal_mode = WAL");
-        if (result != SQLITE_BUSY || Clock::now() >= end) {
-            return result;
-        }
-        sqlite3_sleep(5);
+int32_t enforceForeignKeys(sqlite3* connection) {
+    int enforced = 0;
+    const int result = sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_FKEY, 1, &enforced);
+    return result == SQLITE_OK && enforced == 1 ? SQLITE_OK : SQLITE_ERROR;
+}
+
+int32_t set(sqlite3* connection) {
+    // EXTRA is FULL with the write-ahead journal; with a rollback journal it also syncs the folder,
+    // without which the journal can come back after a power loss and undo what was committed.
+    if (const int32_t result = execute(connection, "PRAGMA synchronous = EXTRA")) {
+        return result;
     }
+    // What the log had grown to beside a reader of long breath is given back.
+    if (const int32_t result = execute(connection, "PRAGMA journal_size_limit = 524288")) {
+        return result;
+    }
+    return primaryCode(sqlite3_wal_autocheckpoint(connection, kPagesOfLog));
 }
 
 }  // namespace
 
-int32_t configure(sqlite3* connection) {
-    sqlite3_busy_timeout(connection, kBusyTimeoutMs);
-    int enforced = 0;
-    if (sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_FKEY, 1, &enforced) != SQLITE_OK ||
-        enforced != 1) {
-        return SQLITE_ERROR;
-    }
-    if (const int32_t result = useWriteAheadJournal(connection)) {
+int32_t configure(Connection& connection) try {
+    const Moments moments(kLongestWait);
+    const Turn turn(connection.turns);
+    return connection.attempt(moments, [&] {
+        int32_t result = enforceForeignKeys(connection.get());
+        if (result == SQLITE_OK) {
+            result = chooseJournal(connection);
+        }
+        if (result == SQLITE_OK) {
+            result = set(connection.get());
+        }
+        connection.transactions.prepareStatements();
         return result;
-    }
-    // EXTRA is FULL with the write-ahead journal; on a file system that can't have that journal it
-    // also syncs the directory, without which a rollback journal can come back after a power loss.
-    return execute(connection, "PRAGMA synchronous = EXTRA");
+    });
+} catch (const std::bad_alloc&) {
+    return SQLITE_NOMEM;
 }

@@ -1,8 +1,8 @@
 // What a new connection needs before its first statement.
 #pragma once
 
-#include <sqlite3.h>
-
 #include <cstdint>
 
-int32_t configure(sqlite3* connection);
+#include "stand-ins/data-access/connection.h"
+
+int32_t configure(Connection& connection);

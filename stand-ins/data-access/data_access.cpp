@@ -1,33 +1,41 @@
 #include "contracts/data_access.h"
 
 #include "stand-ins/data-access/configuration.h"
+#include "stand-ins/data-access/flat_key_table.h"
 #include "stand-ins/data-access/items.h"
-#include "stand-ins/data-access/transaction.h"
+#include "stand-ins/data-access/query.h"
+
+namespace {
+
+template <typename Work>
+int32_t use(sqlite3* handle, Work work) {
+    if (handle == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    Connection* const connection = Connection::of(handle);
+    return connection == nullptr ? SQLITE_NOMEM : work(*connection);
+}
+
+}  // namespace
 
 #pragma GCC visibility push(default)
 
 int32_t DAL_SetDBConfiguration(sqlite3* connection) {
-    return connection == nullptr ? SQLITE_MISUSE : configure(connection);
+    return use(connection, configure);
 }
 
 int32_t DAL_CreateFlatKeyTable(sqlite3* connection) {
-    // Without a row id a set writes one tree, and a get searches one.
-    return connection == nullptr
-               ? SQLITE_MISUSE
-               : execute(connection,
-                         "CREATE TABLE IF NOT EXISTS tbl_dal_key_dal_value ("
-                         "c_dal_key TEXT NOT NULL, c_dal_profile_no TEXT NOT NULL, "
-                         "c_dal_value TEXT NOT NULL, "
-                         "PRIMARY KEY(c_dal_key, c_dal_profile_no)) WITHOUT ROWID;");
+    return use(connection, createFlatKeyTable);
 }
 
 int32_t DAL_DeleteFlatKeyTable(sqlite3* connection) {
-    return connection == nullptr ? SQLITE_MISUSE
-                                 : execute(connection, "DELETE FROM tbl_dal_key_dal_value;");
+    return use(connection, deleteFlatKeyTable);
 }
 
 int32_t DAL_ExecuteQuery(sqlite3* connection, const char* sql) {
-    return connection == nullptr || sql == nullptr ? SQLITE_MISUSE : executeQuery(connection, sql);
+    return sql == nullptr
+               ? SQLITE_MISUSE
+               : use(connection, [&](Connection& used) { return executeQuery(used, sql); });
 }
 
 int32_t DAL_getTypeBOOL(sqlite3* connection, const KeyPath* key, BOOL* value, BOOL defaultValue) {

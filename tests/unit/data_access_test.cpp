@@ -1,7 +1,12 @@
 // The data access library on a connection of the test's own: what the settings don't reach.
 #include "contracts/data_access.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <atomic>
+#include <ctime>
+#include <functional>
 #include <thread>
 
 #include "console-manager/settings.h"
@@ -10,9 +15,19 @@
 
 static sqlite3* writer = nullptr;
 
-// Whoever waits makes the writer end its transaction.
-extern "C" int sqlite3_sleep(int) {
-    return sqlite3_exec(writer, "COMMIT", nullptr, nullptr, nullptr);
+// Time passes while somebody waits, and something can happen then.
+static std::atomic<int64_t> milliseconds = 0;
+static std::function<void()> whileWaiting = [] {};
+
+extern "C" int nanosleep(const timespec* time, timespec*) {
+    milliseconds += 1 + time->tv_nsec / 1'000'000;
+    whileWaiting();
+    return 0;
+}
+
+extern "C" int clock_gettime(clockid_t, timespec* now) {
+    *now = {static_cast<time_t>(milliseconds / 1000), milliseconds % 1000 * 1'000'000};
+    return 0;
 }
 
 namespace {
@@ -25,23 +40,32 @@ const KeyPath kListItem{{{"home_screen_icons", "n"}, {"dal_key", "k"}}};
 class DataAccess : public Sandbox {
   protected:
     void prepare() override {
-        // The change of the journal has to wait for a writer.
         run("mkdir -p /mnt/vex-data/m7");
         sqlite3_open(kFile.c_str(), &writer);
-        sqlite3_exec(writer, "CREATE TABLE t (a); BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+        EXPECT_EQ(other("CREATE TABLE t (a); BEGIN EXCLUSIVE"), 0);
+    }
+    // Opens the database of the settings when the writer is done.
+    void open() {
+        whileWaiting = [] { other("COMMIT"); };
         ASSERT_EQ(DAL_CML_deleteAll(), 0) << "makes the tables";
-        sqlite3_close(writer);
+        whileWaiting = [] {};
         sqlite3_open(kFile.c_str(), &db);
         ASSERT_EQ(DAL_SetDBConfiguration(db), 0);
     }
+    // What another program does.
+    static int other(const char* sql) {
+        return sqlite3_exec(writer, sql, nullptr, nullptr, nullptr);
+    }
     void TearDown() override {
         EXPECT_EQ(sqlite3_close(db), SQLITE_OK) << "something was left prepared";
+        sqlite3_close(writer);
     }
 
     sqlite3* db = nullptr;
 };
 
 TEST_F(DataAccess, WhatIsNoItemOrOutOfLimitsFailsAndDelivers) {
+    open();
     const KeyPath noKey{{{"dal_key", nullptr}}};
     const KeyPath threeLevels{{{"home_screen_icons", "n"}, {"dal_key", "k"}, {"dal_key", "k"}}};
     const KeyPath injected{{{"x; DROP TABLE tbl_home_screen_icons", "n"}, {"dal_key", "k"}}};
@@ -60,6 +84,7 @@ TEST_F(DataAccess, WhatIsNoItemOrOutOfLimitsFailsAndDelivers) {
 }
 
 TEST_F(DataAccess, TheCallersTransactionIsItsOwn) {
+    open();
     EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN TRANSACTION;"), 0);
     EXPECT_EQ(DAL_ExecuteQuery(db, "PRAGMA defer_foreign_keys = ON"), 0);
     const char* const orphan =
@@ -79,6 +104,7 @@ TEST_F(DataAccess, TheCallersTransactionIsItsOwn) {
 }
 
 TEST_F(DataAccess, OtherThreadsWaitForTheEndOfATransaction) {
+    open();
     for (int32_t round = 0; round < 100; ++round) {
         EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN"), 0);
         std::atomic<bool> started = false;
@@ -94,6 +120,56 @@ TEST_F(DataAccess, OtherThreadsWaitForTheEndOfATransaction) {
         other.join();
         ASSERT_EQ(query(kFile, kFlatRows), "k||" + std::to_string(round)) << "undone with it";
     }
+}
+
+TEST_F(DataAccess, ATransactionThatDoesNotBeginIsRefusedAsAWhole) {
+    open();
+    EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0);
+    EXPECT_EQ(other("BEGIN IMMEDIATE"), 0);
+    const int64_t before = milliseconds;
+    EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN TRANSACTION;"), SQLITE_BUSY);
+    EXPECT_NEAR(static_cast<double>(milliseconds - before), 10'000, 100);
+    EXPECT_EQ(other("COMMIT"), 0);
+    EXPECT_EQ(DAL_DeleteFlatKeyTable(db), SQLITE_BUSY);
+    std::thread([&] { EXPECT_EQ(DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0), 0); }).join();
+    EXPECT_EQ(DAL_ExecuteQuery(db, "COMMIT;"), SQLITE_BUSY);
+    EXPECT_EQ(query(kFile, kFlatRows), "k||v");
+    EXPECT_EQ(DAL_deleteItem(db, &kItem), 0) << "the refusal is over";
+}
+
+TEST_F(DataAccess, ThreadsThatOpenAtOnceWaitOnce) {
+    const auto open = [] {
+        const int64_t before = milliseconds;
+        EXPECT_NE(DAL_CML_setTheme(1), 0);
+        EXPECT_LT(milliseconds - before, 12'000);
+    };
+    std::thread waiting(open);
+    open();
+    waiting.join();
+}
+
+// Locks of the file's places, as other processes have them.
+TEST_F(DataAccess, WhoComesWaitsForTheTurnAndBehindAllWhoWait) {
+    open();
+    const int turns = ::open((kFile + "-turn").c_str(), O_RDWR | O_CLOEXEC);
+    for (const off_t place : {0, 1, 6}) {
+        const auto lock = [=](short type) {
+            struct flock range {
+                type, SEEK_SET, place, 1, 0
+            };
+            return fcntl(turns, F_OFD_SETLK, &range);
+        };
+        EXPECT_EQ(lock(F_WRLCK), 0);
+        int waited = 0;
+        whileWaiting = [&] { waited += waited == 3 ? lock(F_UNLCK) : 1; };
+        EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0);
+        EXPECT_EQ(waited, 3);
+        EXPECT_EQ(lock(F_WRLCK), 0);
+        whileWaiting = [] {};
+        EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0) << "though the turn never comes";
+        EXPECT_EQ(lock(F_UNLCK), 0);
+    }
+    close(turns);
 }
 
 }  // namespace

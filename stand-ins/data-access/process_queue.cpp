@@ -38,7 +38,7 @@ int openBeside(const std::string& database, const std::string& path) {
     if (stat(database.c_str(), &like) != 0) {
         return -1;
     }
-    const mode_t mode = like.st_mode & 0777;
+    const mode_t mode = like.st_mode & ACCESSPERMS;
     const int made = open(path.c_str(), kFlags | O_CREAT | O_EXCL, mode);
     if (made < 0) {
         return errno == EEXIST ? open(path.c_str(), kFlags) : -1;

@@ -37,6 +37,12 @@
  * that is writing, is that library's to say: see the README of the stand-ins for the one that takes
  * its place on other machines than the console.
  *
+ * Backups. A database is more than the file of its name. SQLite keeps a part of it beside that
+ * file, in "console-manager.db-wal" or "console-manager.db-journal"; "-shm" is the index of the
+ * first and is made anew. Copy them all at a moment at which nobody sets anything, or let SQLite
+ * make the copy ("VACUUM INTO", or `.backup` of the program sqlite3). What else has that name in
+ * front, as "console-manager.db-turn" of the stand-in, holds no data.
+ *
  * Getters deliver on every path: also when the database can't be opened *value, or the buffer,
  * holds the default afterwards, and only the result tells. No argument is checked for meaning: an
  * integer is stored as it is, a BOOL other than 0 and 1 too.

@@ -90,7 +90,7 @@ int32_t Connection::write(Work work) {
         Turn ended;
         return once(moments, [&] { return transactions.afterStatement(work(), ended); });
     }
-    {
+    if (!transactions.refusals.areNone()) {
         const ConnectionLock lock(handle);
         if (const int32_t refusal = transactions.refusals.ofThisThread()) {
             return refusal;

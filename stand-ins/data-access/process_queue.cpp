@@ -1,6 +1,7 @@
 #include "stand-ins/data-access/process_queue.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,27 +9,48 @@
 
 namespace {
 
-// What a record lock can come to; some file systems have none.
+// What a lock can come to; some file systems have none.
 enum class Locked { kYes, kNotNow, kNever };
 
-Locked lock(int file, short type, off_t place, off_t count) {
-    struct flock range {};
-    range.l_type = type;
-    range.l_whence = SEEK_SET;
-    range.l_start = place;
-    range.l_len = count;
-    if (fcntl(file, F_SETLK, &range) == 0) {
+Locked outcome(int result) {
+    if (result == 0) {
         return Locked::kYes;
     }
-    return errno == EAGAIN || errno == EACCES ? Locked::kNotNow : Locked::kNever;
+    return errno == EWOULDBLOCK || errno == EACCES ? Locked::kNotNow : Locked::kNever;
 }
 
-Locked lock(int file, off_t place, off_t count = 1) {
-    return lock(file, F_WRLCK, place, count);
+struct flock placesOf(short type, off_t first, off_t count) {
+    struct flock places {};
+    places.l_type = type;
+    places.l_whence = SEEK_SET;
+    places.l_start = first;
+    places.l_len = count;
+    return places;
 }
 
-void unlock(int file, off_t place, off_t count = 1) {
-    lock(file, F_UNLCK, place, count);
+constexpr off_t kTurn = 0;
+constexpr off_t kLast = 7;  // more processes than have a place get in in any order
+
+Locked lock(int file, off_t place) {
+    if (place == kTurn) {
+        return outcome(flock(file, LOCK_EX | LOCK_NB));
+    }
+    const struct flock one = placesOf(F_WRLCK, place, 1);
+    return outcome(fcntl(file, F_SETLK, &one));
+}
+
+void unlock(int file, off_t place) {
+    if (place == kTurn) {
+        flock(file, LOCK_UN);
+        return;
+    }
+    const struct flock one = placesOf(F_UNLCK, place, 1);
+    fcntl(file, F_SETLK, &one);
+}
+
+bool somebodyWaits(int file) {
+    struct flock all = placesOf(F_WRLCK, kTurn + 1, kLast);
+    return fcntl(file, F_GETLK, &all) == 0 && all.l_type != F_UNLCK;
 }
 
 // For whoever may use the database, as SQLite does with its own files beside it.
@@ -49,10 +71,6 @@ int openBeside(const std::string& database, const std::string& path) {
     return made;
 }
 
-constexpr off_t kTurn = 0;
-constexpr off_t kPlaces =
-    8;  // the turn and those in front of it; more processes get in in any order
-
 }  // namespace
 
 int ProcessQueue::descriptor() {
@@ -64,25 +82,24 @@ int ProcessQueue::descriptor() {
 
 bool ProcessQueue::enter(Clock::time_point deadline) {
     const int places = descriptor();
-    switch (lock(places, kTurn, kPlaces)) {
-        case Locked::kYes:
-            unlock(places, kTurn + 1, kPlaces - 1);
-            return true;
-        case Locked::kNever:
-            return true;
-        case Locked::kNotNow:
-            break;
+    const Locked atOnce = lock(places, kTurn);
+    if (atOnce == Locked::kNever || (atOnce == Locked::kYes && !somebodyWaits(places))) {
+        return true;
     }
-    for (off_t place = kPlaces - 1; place >= kTurn; --place) {
+    if (atOnce == Locked::kYes) {
+        unlock(places, kTurn);
+    }
+    for (off_t place = kLast; place >= kTurn; --place) {
         const Moments moments(deadline);
-        while (lock(places, place) == Locked::kNotNow) {
-            if (!moments.pass()) {
-                unlock(places, kTurn, kPlaces);
-                return false;
-            }
+        bool inTime = true;
+        while (inTime && lock(places, place) == Locked::kNotNow) {
+            inTime = moments.pass();
         }
-        if (place < kPlaces - 1) {
+        if (place < kLast) {
             unlock(places, place + 1);
+        }
+        if (!inTime) {
+            return false;
         }
     }
     return true;

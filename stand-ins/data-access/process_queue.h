@@ -8,10 +8,10 @@
 
 // A lock that processes get in the order in which they ask for it, by a file beside the database.
 //
-// The first byte of the file is the lock, those behind it are places in front of it. Who comes to a
+// The lock is that of the whole file; those of its bytes are places in front of it. Who comes to a
 // queue takes the last place and moves up when the place before it gets free, so that nobody is
 // overtaken, least of all by the one that has just left. The kernel frees the places of a process
-// that ends. Only the locks on the bytes count: the file stays empty.
+// that ends. Only the locks count: the file stays empty.
 class ProcessQueue {
   public:
     // For a database without a file the path is empty.

@@ -36,7 +36,9 @@ int32_t execute(sqlite3* connection, const char* sql) {
 }
 
 void Refusals::add(int32_t result) {
-    all[next++ % all.size()] = {std::this_thread::get_id(), result};
+    Refusal& refusal = all[next++ % all.size()];
+    count += refusal.result == SQLITE_OK ? 1 : 0;
+    refusal = {std::this_thread::get_id(), result};
 }
 
 int32_t Refusals::ofThisThread() const {
@@ -50,6 +52,7 @@ int32_t Refusals::takeOfThisThread() {
     for (Refusal& refusal : all) {
         if (refusal.thread == std::this_thread::get_id()) {
             refusal = {};
+            --count;
         }
     }
     return result;

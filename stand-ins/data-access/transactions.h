@@ -23,7 +23,8 @@ bool endsTransaction(int32_t result);
 class Refusals {
   public:
     void add(int32_t result);
-    int32_t ofThisThread() const;  // 0 if it isn't refused
+    bool areNone() const { return count == 0; }  // for any thread, without the lock
+    int32_t ofThisThread() const;                // 0 if it isn't refused
     int32_t takeOfThisThread();
 
   private:
@@ -35,6 +36,7 @@ class Refusals {
     // transaction.
     std::array<Refusal, 64> all{};
     size_t next = 0;
+    std::atomic<int> count = 0;
 };
 
 // Used with the connection's lock held, isMine apart.

@@ -2,6 +2,7 @@
 #include "contracts/data_access.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -157,7 +158,8 @@ TEST_F(DataAccess, WhoComesWaitsForTheTurnAndBehindAllWhoWait) {
             struct flock range {
                 type, SEEK_SET, place, 1, 0
             };
-            return fcntl(turns, F_OFD_SETLK, &range);
+            return place > 0 ? fcntl(turns, F_OFD_SETLK, &range)
+                             : flock(turns, type == F_UNLCK ? LOCK_UN : LOCK_EX);
         };
         EXPECT_EQ(lock(F_WRLCK), 0);
         int waited = 0;

@@ -25,8 +25,8 @@ class Network : public Sandbox {
 
 TEST_F(Network, PortsAreListedInOrderWithTheirState) {
     run("ip link set wire down && ip link set wire name abcdefghijklmno && "
-        "ip link set abcdefghijklmno up && "
-        "until grep -q up /sys/class/net/abcdefghijklmno/operstate; do :; done");
+        "ip link set abcdefghijklmno up && cd /sys/class/net && "
+        "until grep -q up abcdefghijklmno/operstate && grep -q up peer/operstate; do :; done");
     EXPECT_EQ(status("abcdefghijklmnopq"), "1 1 1 1") << "its first 15 bytes are a port";
     EXPECT_EQ(status("lone"), "1 1 0 0");
     EXPECT_EQ(status("end"), "1 0 0 0");
@@ -34,7 +34,7 @@ TEST_F(Network, PortsAreListedInOrderWithTheirState) {
     EXPECT_EQ(take(CML_getNetworkPortsList(0)),
               (Texts{"abcdefghijklmno", "end", "lo", "lone", "peer"}));
     EXPECT_EQ(take(CML_getNetworkPortsList(-1)), (Texts{"abcdefghijklmno", "lo", "peer"}));
-    run("for p in lo peer; do ip link set $p down; done");
+    run("for p in lo peer abcdefghijklmno; do ip link set $p down; done");
     EXPECT_EQ(CML_getNetworkPortsList(1), nullptr);
     ASSERT_EQ(mount("tmpfs", "/sys/class", "tmpfs", 0, nullptr), 0);
     EXPECT_THROW(CML_getNetworkPortsList(0), std::filesystem::filesystem_error);

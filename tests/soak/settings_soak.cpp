@@ -1,0 +1,459 @@
+// The settings in situations that a console meets once a year: the table at the end.
+//
+// Without arguments it's a short sample of each, in memory, and no time is judged. With
+//     settings_soak FOLDER [MILLISECONDS]
+// each goes on until its bounds mean something, on the file system of FOLDER, which is in neither
+// /mnt nor /tmp/m7, and with every sync slowed by so much.
+#include <sys/wait.h>
+
+#include <atomic>
+#include <chrono>
+#include <climits>
+#include <cmath>
+#include <csignal>
+#include <filesystem>
+#include <ranges>
+#include <thread>
+
+#include "console-manager/settings.h"
+#include "soak/played_disk.h"
+#include "support/sandbox.h"
+#include "support/sqlite_query.h"
+
+using namespace std::chrono_literals;
+
+static std::string scratch;  // FOLDER
+
+static int allocationsLeft = INT_MAX;  // for never mind
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kCanFail = false;
+#else
+constexpr bool kCanFail = true;
+#define ALLOCATION(name, parameters, arguments)                                 \
+    extern "C" void* __libc_##name parameters;                                  \
+    extern "C" void* name parameters {                                          \
+        const bool fails = allocationsLeft != INT_MAX && --allocationsLeft < 0; \
+        return fails ? (errno = ENOMEM, nullptr) : __libc_##name arguments;     \
+    }
+ALLOCATION(malloc, (size_t size), (size))
+ALLOCATION(calloc, (size_t count, size_t size), (count, size))
+ALLOCATION(realloc, (void* block, size_t size), (block, size))
+#endif
+
+namespace {
+
+template <typename T>
+T sampleOr(T sample, T whole) {
+    return scratch.empty() ? sample : whole;
+}
+
+// What came of the calls of one kind, in all processes.
+struct Tally {
+    std::atomic<size_t> count, failed, refused;  // the last without a wait
+    float milliseconds[1 << 20];
+
+    int32_t operator()(auto call, auto... arguments) {
+        const auto begin = std::chrono::steady_clock::now();
+        const int32_t result = call(arguments...);
+        const auto end = std::chrono::steady_clock::now();
+        const std::chrono::duration<float, std::milli> taken = end - begin;
+        failed += result != 0;
+        refused += result != 0 && taken < 9s;
+        milliseconds[count++ % std::size(milliseconds)] = taken.count();
+        return result;
+    }
+
+    void judge(const char* calls, float bound, bool mayFail) {
+        const std::span all(milliseconds, std::min(count.load(), std::size(milliseconds)));
+        if (!all.empty()) {
+            std::ranges::sort(all);
+            std::printf("    %s: %zu, %zu failed, median %.3f ms, longest %.3f ms\n", calls,
+                        count.load(), failed.load(), all[all.size() / 2], all.back());
+            EXPECT_EQ(mayFail ? refused : failed, 0u) << calls;
+            EXPECT_LE(sampleOr(0.0f, all.back()), bound) << calls;
+        }
+    }
+};
+
+struct Shared {
+    Tally sets, gets, clears;
+    std::atomic<size_t> writes, overtaken, lost;
+    std::atomic<bool> ready, clearing, over;
+};
+Shared& shared = *static_cast<Shared*>(
+    mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+
+pid_t start(auto work) {
+    std::fflush(stdout);
+    const pid_t process = fork();
+    if (process == 0) {
+        alarm(sampleOr(100u, 600u));  // ends, and so fails, who hangs
+        work();
+        std::fflush(stdout);
+        _exit(testing::Test::HasFailure() ? 1 : 0);
+    }
+    return process;
+}
+
+void waitForAll() {
+    for (int status = 0; wait(&status) > 0;) {
+        EXPECT_EQ(status, 0) << "of a process";
+    }
+}
+
+void inProcess(auto work) {
+    start(work);
+    waitForAll();
+}
+
+// Threads of processes that do work(process, thread, round) until it's over, and once more.
+void many(int processes, int threads, auto work) {
+    for (int process = 0; process < processes; ++process) {
+        start([=] {
+            std::vector<std::jthread> all;
+            for (int thread = 0; thread < threads; ++thread) {
+                all.emplace_back([=] {
+                    bool last = false;
+                    for (int round = 0; !last; ++round) {
+                        last = shared.over;
+                        work(process, thread, round);
+                    }
+                });
+            }
+        });
+    }
+}
+
+// Another program that opens both files, does this and keeps what it has locked, until it's over.
+void hold(const char* sql, std::chrono::seconds sample, std::chrono::seconds whole) {
+    start([&] {
+        for (const std::string& path : {kFile, kVolatileFile}) {
+            sqlite3* db = nullptr;
+            sqlite3_open(path.c_str(), &db);
+            EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, nullptr), SQLITE_OK);
+        }
+        shared.ready = true;
+        std::this_thread::sleep_for(sampleOr(sample, whole));
+        shared.over = true;
+    });
+    while (!shared.ready) {
+        std::this_thread::yield();
+    }
+}
+
+template <int processes, int threads, auto work>
+void forTenSeconds() {
+    hold("SELECT 1", 1s, 10s);
+    many(processes, threads, work);
+}
+
+// The calls whose time counts.
+const auto setTimeout = [](int i) { return shared.sets(DAL_CML_setDisplayOffTimeout, i); };
+const auto deleteAll = [] { return shared.clears(DAL_CML_deleteAll); };
+int32_t setIcon(const std::string& node, int i) {
+    return shared.sets(DAL_CML_setHomeScreenIcon, node.c_str(), std::to_string(i).c_str());
+}
+int32_t deleteIcon(const std::string& node) {
+    return shared.sets(DAL_CML_deleteHomeScreenIconsNode, node.c_str());
+}
+std::string icon(const std::string& node) {
+    char text[16];
+    uint32_t length = 0;
+    shared.gets(DAL_CML_getHomeScreenIcon, node.c_str(), +text, &length, sizeof text);
+    return text;
+}
+
+int32_t change(int i) {
+    const std::string node = "n" + std::to_string(i % 5);
+    return i % 16 == 15 ? deleteAll()
+           : i % 4 == 3 ? deleteIcon(node)
+           : i % 4 == 2 ? setTimeout(i)
+                        : setIcon(node, i);
+}
+
+// All that is changed here.
+std::string settings() {
+    int32_t timeout = -9;
+    DAL_CML_getDisplayOffTimeout(&timeout);
+    std::string all = std::to_string(timeout);
+    for (const std::string& node : take(DAL_CML_listHomeScreenIconsNodes())) {
+        all += " " + node + "=" + icon(node);
+    }
+    return all;
+}
+
+// The same as it's on the disk: the time-out, an icon, the number of nodes.
+std::string stored() {
+    const std::string value = "(SELECT coalesce(max(c_dal_value), '') FROM tbl_";
+    return query(kFile, "SELECT " + value + "dal_key_dal_value), " + value +
+                            "home_screen_icons_dal_key_dal_value), (SELECT count(*) FROM "
+                            "tbl_home_screen_icons)");
+}
+
+std::string integrity() {
+    return query(kFile, "PRAGMA integrity_check; PRAGMA foreign_key_check");
+}
+
+// The first process sets now and then, the others without pause.
+void setBesideWriters(int process, int, int round) {
+    if (process > 0) {
+        const std::string node = std::to_string(round % 500);
+        EXPECT_EQ(DAL_CML_setBrowserDestinationHideItem(node.c_str(), round), 0);
+        ++shared.writes;
+        return;
+    }
+    const size_t before = shared.writes;
+    setTimeout(round);
+    shared.overtaken += shared.writes - before;
+    std::this_thread::sleep_for(100ms);
+}
+
+// Each thread has a node of its own; a ninth process deletes all.
+void useNode(int process, int thread, int round) {
+    if (process == 8) {
+        shared.clearing = true;
+        deleteAll();
+        std::this_thread::sleep_for(100ms);
+        return;
+    }
+    const std::string node = std::to_string(process * 8 + thread);
+    setIcon(node, round);
+    const std::string text = icon(node);
+    shared.lost += text != std::to_string(round) && (!text.empty() || !shared.clearing);
+    if (round % 8 == 7) {
+        shared.lost += deleteIcon(node) == 0 && !icon(node).empty();
+        shared.gets([] { return take(DAL_CML_listHomeScreenIconsNodes()).size() > 64; });
+    }
+}
+
+void besideLockHolder() {
+    inProcess(deleteAll);
+    hold("BEGIN IMMEDIATE", 2s, 60s);
+    many(1, 6, [](int, int thread, int round) {
+        thread == 0 ? void(icon("n")) : thread == 1 ? void(deleteAll()) : void(setTimeout(round));
+    });
+}
+
+void besideExclusiveHolder() {
+    hold("PRAGMA journal_mode = DELETE; CREATE TABLE t (a); BEGIN EXCLUSIVE", 2s, 60s);
+    many(1, 3, [](int, int, int round) { setTimeout(round); });
+}
+
+void besideReader() {
+    inProcess(deleteAll);
+    hold("BEGIN; SELECT * FROM sqlite_master", 11s, 24s);
+    many(1, 1, [](int, int, int round) {
+        EXPECT_TRUE(setIcon("n", round) != 0 || stored() == "|" + std::to_string(round) + "|1");
+    });
+}
+
+void useAll(int process, int, int round) {
+    const std::string node = std::to_string(process);
+    int32_t theme = -9;
+    EXPECT_EQ(setIcon(node, round) + DAL_CML_setAutoTheme(2) + DAL_CML_getAutoTheme(&theme), 0);
+    EXPECT_EQ(icon(node) + ' ' + std::to_string(theme), std::to_string(round) + " 2");
+}
+
+void onWriteAheadFile() {
+    noSharedMappings = false;
+    inProcess([] { EXPECT_EQ(setTimeout(7), 0); });
+    noSharedMappings = true;
+    inProcess([] { EXPECT_EQ(settings(), "7"); });
+    forTenSeconds<4, 1, useAll>();
+}
+
+// What is done when no memory is left, and what is then stored if its result was 0.
+struct WithoutMemory {
+    int32_t (*call)();
+    const char* done;
+    bool isOpen = true;  // the database
+    int step = 1;        // of the sample, from one number of allocations to the next
+};
+const WithoutMemory kWithoutMemory[] = {
+    {[] { return DAL_CML_setDisplayOffTimeout(9); }, "9|1|1"},
+    {[] { return DAL_CML_setHomeScreenIcon("n", "9"); }, "1|9|1"},
+    {[] { return DAL_CML_deleteHomeScreenIconsNode("n"); }, "1||0"},
+    {[] { return DAL_CML_deleteAll() + 1; }, "||0"},  // its result doesn't say
+    {[] { return DAL_CML_setDisplayOffTimeout(9); }, "9|1|1", false, 25},
+};
+
+void failAllocations(const WithoutMemory& row, int successes) {
+    SCOPED_TRACE(joined("row", &row - kWithoutMemory, "after", successes, "allocations"));
+    if (row.isOpen) {
+        settings();
+    }
+    allocationsLeft = successes;
+    const int32_t result = row.call();
+    shared.ready = std::exchange(allocationsLeft, INT_MAX) < 0;
+    EXPECT_TRUE(stored() == row.done || (result != 0 && stored() == "1|1|1")) << stored();
+    EXPECT_EQ(query(kFile, "BEGIN IMMEDIATE"), "") << "of another program";
+    std::jthread([] { EXPECT_EQ(setTimeout(5), 0); }).join();
+    EXPECT_EQ(stored()[0], '5');
+}
+
+void withoutMemory() {
+    if (!kCanFail) {
+        GTEST_SKIP() << "the sanitizer has an allocator of its own";
+    }
+    for (const WithoutMemory& row : kWithoutMemory) {
+        for (int successes = 0; successes == 0 || shared.ready;
+             successes += sampleOr(row.step, 1)) {
+            inProcess([] { EXPECT_EQ(setTimeout(1) + setIcon("n", 1), 0); });
+            inProcess([&] { failAllocations(row, successes); });
+        }
+    }
+}
+
+// Runs work on such a folder, and gives what it does there.
+Steps recorded(const Folder& folder, auto work) {
+    const std::string path = "/mnt/vex-data/m7";
+    for (const auto& old : std::filesystem::directory_iterator(path)) {
+        std::filesystem::remove(old);
+    }
+    for (const auto& [name, content] : folder) {
+        writeFile(path + "/" + name, content);
+    }
+    const size_t begin = record.count;
+    record.folder = path;
+    inProcess(work);
+    record.folder = {};
+    return {record.steps + begin, record.steps + record.count};
+}
+
+Steps recover(const Folder& folder, const Texts& allowed) {
+    return recorded(folder, [&] {
+        const std::string now = settings();
+        EXPECT_TRUE(std::ranges::count(allowed, now) > 0)
+            << now << ", not " << testing::PrintToString(allowed);
+        record.folder = {};
+        EXPECT_EQ(integrity(), "ok");
+    });
+}
+
+void losePower() {
+    record.count = record.used = 0;
+    const Steps steps = recorded({}, [] {
+        for (int i = 0; i < 64; ++i) {
+            EXPECT_EQ(change(i), 0);
+            note('!', kFile, i, settings());
+        }
+    });
+    Random random(1);
+    const size_t used = record.used;
+    for (int point = 0; point < sampleOr(20, 1000); ++point) {
+        record.count = steps.size();
+        record.used = used;
+        const Steps done = steps.first(random() % (steps.size() + 1));
+        const auto isNote = [](const Step& step) { return step.kind == '!'; };
+        // As the last call that returned left them, or the one within.
+        Texts allowed = {"30"};
+        for (const Step& step : done | std::views::filter(isNote)) {
+            allowed = {std::string(step.data)};
+        }
+        for (const Step& step :
+             steps.subspan(done.size()) | std::views::filter(isNote) | std::views::take(1)) {
+            allowed.emplace_back(step.data);
+        }
+        const Folder found = afterPowerLoss({}, done, random);
+        const Steps again = recover(found, allowed);
+        recover(afterPowerLoss(found, again.first(random() % (again.size() + 1)), random), allowed);
+    }
+}
+
+void killInside() {
+    Random random(1);
+    for (int round = 0; round < sampleOr(20, 300); ++round) {
+        const pid_t process = start([] {
+            for (int i = 0;; ++i) {
+                change(i);
+            }
+        });
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 30'000));
+        kill(process, SIGKILL);
+        waitpid(process, nullptr, 0);
+        inProcess([=] { EXPECT_EQ(setTimeout(round), 0); });
+        EXPECT_EQ(stored().substr(0, stored().find('|')), std::to_string(round));
+        EXPECT_EQ(integrity(), "ok");
+    }
+}
+
+void fillLog() {
+    inProcess(settings);
+    std::filesystem::copy_file(kFile, "/mnt/test/main");
+    EXPECT_EQ(query("/mnt/test/main", "SELECT count(*) FROM sqlite_master WHERE sql > ''"), "11");
+    inProcess([] {
+        for (int i = 0; i < 10'000; ++i) {
+            i % 2 == 0 ? setTimeout(i) : setIcon(std::to_string(i % 99), i);
+        }
+    });
+    EXPECT_LE(std::filesystem::file_size(kFile + "-wal"), 512u * 1024);
+}
+
+struct Situation {
+    const char* name;
+    void (*run)();
+    bool sharedMappings = true;
+    // The longest that a call takes, in milliseconds.
+    float set = HUGE_VALF, get = HUGE_VALF, clear = HUGE_VALF;
+    bool mayFail = false;  // who has waited for ten seconds
+};
+// clang-format off
+const Situation kSituations[] = {
+    {"BesideOneWriter", forTenSeconds<2, 1, setBesideWriters>, true, 250},
+    {"BesideTwoWriters", forTenSeconds<3, 1, setBesideWriters>, true, 250},
+    {"BesideFourWriters", forTenSeconds<5, 1, setBesideWriters>, true, 250},
+    {"Crowd", forTenSeconds<8, 8, useNode>, true, 500, 250},
+    {"CrowdWithRollbackJournal", forTenSeconds<8, 8, useNode>, false},
+    {"CrowdWhileAllIsDeleted", forTenSeconds<9, 8, useNode>, true, 500, 250, 500},
+    {"BesideLockHolder", besideLockHolder, true, 11'000, 250, 22'000, true},
+    {"FirstUseBesideExclusiveHolder", besideExclusiveHolder, true, 12'000, 0, 0, true},
+    {"BesideReaderOfRollbackFile", besideReader, false, 11'000, 250, 22'000, true},
+    {"NoSharedMappings", forTenSeconds<4, 1, useAll>, false},
+    {"NoSharedMappingsOfWriteAheadFile", onWriteAheadFile, false},
+    {"NoMemoryWithWriteAheadLog", withoutMemory},
+    {"NoMemoryWithRollbackJournal", withoutMemory, false},
+    {"PowerLossWithWriteAheadLog", losePower},
+    {"PowerLossWithRollbackJournal", losePower, false},
+    {"KilledWithWriteAheadLog", killInside, true, 250},
+    {"KilledWithRollbackJournal", killInside, false, 250},
+    {"ShortLog", fillLog},
+};
+// clang-format on
+
+class Soak : public Sandbox, public testing::WithParamInterface<Situation> {
+  protected:
+    void prepare() override {
+        new (&shared) Shared();
+        noSharedMappings = !GetParam().sharedMappings;
+        run("mkdir -p /mnt/vex-data/m7");
+        if (!scratch.empty()) {
+            run("cd " + scratch +
+                " && mkdir -p soak/mnt soak/tmp && "
+                "mount --bind soak/mnt /mnt/vex-data/m7 && mount --bind soak/tmp /tmp/m7");
+        }
+    }
+    void TearDown() override { run("rm -rf /mnt/vex-data/m7/* /tmp/m7/*"); }
+};
+
+TEST_P(Soak, Keeps) {
+    GetParam().run();
+    waitForAll();
+    shared.sets.judge("sets", GetParam().set, GetParam().mayFail);
+    shared.gets.judge("gets", GetParam().get, false);
+    shared.clears.judge("clears", GetParam().clear, false);
+    EXPECT_EQ(shared.lost, 0u);
+    EXPECT_LE(shared.overtaken, 200 * shared.sets.count) << "writes of others beside sets";
+    EXPECT_EQ(integrity(), "ok");
+}
+
+INSTANTIATE_TEST_SUITE_P(, Soak, testing::ValuesIn(kSituations),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    scratch = argc > 1 ? argv[1] : "";
+    syncMicroseconds = argc > 2 ? 1000 * static_cast<unsigned>(std::atoi(argv[2])) : 0;
+    return RUN_ALL_TESTS();
+}

@@ -1,5 +1,5 @@
 // One setting of each form, and the nodes of a list, beside the same statements by SQLite alone,
-// prepared once, on a copy of the tables under the same pragmas.
+// prepared once for all keys, on a copy of the tables under the same pragmas.
 #include <sqlite3.h>
 
 #include <cstdlib>
@@ -37,14 +37,17 @@ void openBare() {
     require(DAL_SetDBConfiguration(connection) == 0, "SQLite alone");
 }
 
-// Runs a statement, whose parameter is another value each time, and copies what it delivers.
-Work bare(const std::string& sql) {
+// Runs a statement, with another value each time, and copies what it delivers. Its parameters are
+// ?1 for the value, ?2 for the key and ?3 for the profile number.
+Work bare(const std::string& sql, const std::string& key = "") {
     sqlite3_stmt* prepared = nullptr;
     sqlite3_prepare_v3(connection, sql.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
     require(prepared != nullptr, sql.c_str());
-    return [=, hasParameter = sql.find('?') != std::string::npos] {
-        if (hasParameter) {
-            sqlite3_bind_text(prepared, 1, nextText(), -1, SQLITE_STATIC);
+    const int first = sql.find("?1") == std::string::npos ? 2 : 1;
+    return [=, last = sqlite3_bind_parameter_count(prepared)] {
+        for (int i = first; i <= last; ++i) {
+            const char* const parameter = i == 1 ? nextText() : i == 2 ? key.c_str() : "0";
+            sqlite3_bind_text(prepared, i, parameter, -1, SQLITE_STATIC);
         }
         while (sqlite3_step(prepared) == SQLITE_ROW) {
             const auto* const column =
@@ -61,17 +64,17 @@ struct Form {
     std::string nodes = "tbl_" + list;
     std::string items = (list.empty() ? "tbl" : nodes) + "_dal_key_dal_value";
     std::string ofNode = list.empty() ? "" : " AND c_" + list + " = 'n'";
-    std::string all = " FROM " + items + " WHERE c_dal_key = '" + key + "'" + ofNode;
-    std::string one = all + " AND c_dal_profile_no = '0'";
+    std::string all = " FROM " + items + " WHERE c_dal_key = ?2" + ofNode;
+    std::string one = all + " AND c_dal_profile_no = ?3";
     std::string upsert = "INSERT INTO " + items + " (c_dal_value, c_dal_key, c_dal_profile_no" +
-                         (list.empty() ? "" : ", c_" + list) + ") VALUES (?, '" + key + "', '0'" +
+                         (list.empty() ? "" : ", c_" + list) + ") VALUES (?1, ?2, ?3" +
                          (list.empty() ? "" : ", 'n'") +
                          ") ON CONFLICT DO UPDATE SET c_dal_value = excluded.c_dal_value";
     // An item of a list needs the row of its node, and both go to the disk as one.
     Work set = list.empty()
-                   ? bare(upsert)
-                   : Work([begin = bare("BEGIN"), end = bare("COMMIT"), item = bare(upsert),
-                           node = bare("INSERT OR IGNORE INTO " + nodes + " VALUES ('n', '0')")] {
+                   ? bare(upsert, key)
+                   : Work([begin = bare("BEGIN"), end = bare("COMMIT"), item = bare(upsert, key),
+                           node = bare("INSERT OR IGNORE INTO " + nodes + " VALUES ('n', ?3)")] {
                          begin();
                          node();
                          item();
@@ -81,7 +84,7 @@ struct Form {
     // Adds a function that wants a stored value, and the statement that does the same.
     void row(const char* function, const Work& call, const Work& store, const std::string& sql,
              bool each = false) const {
-        measure({function + (", " + name), call, bare(sql), store, set, each});
+        measure({function + (", " + name), call, bare(sql, key), store, set, each});
     }
 };
 
@@ -105,7 +108,7 @@ struct Form {
 
 void measureNodes(const Form& form) {
     const Work store = CALL(DAL_CML_setHomeScreenIcon, ("n", nextText()));
-    const std::string all = " FROM " + form.nodes + " WHERE c_dal_profile_no = '0'";
+    const std::string all = " FROM " + form.nodes + " WHERE c_dal_profile_no = ?3";
     const Work list = [] { freeList(DAL_CML_listHomeScreenIconsNodes()); };
     form.row("DAL_CML_listS", list, store, "SELECT c_" + form.list + all + " ORDER BY 1");
     const Work isPresent = [] { DAL_CML_isHomeScreenIconsNodePresent("n"); };

@@ -143,6 +143,7 @@ void hold(const char* sql, std::chrono::seconds sample, std::chrono::seconds who
 
 template <int processes, int threads, auto work>
 void forTenSeconds() {
+    inProcess([] { DAL_CML_deleteAll(); });
     hold("SELECT 1", 1s, 10s);
     many(processes, threads, work);
 }

@@ -8,7 +8,7 @@ namespace {
 
 // The log goes into the database after few pages, so that it stays short: it is what a process
 // reads when it opens the database, and what a copy of the database alone would lack.
-constexpr int kPagesOfLog = 64;
+constexpr int kPagesOfLog = 100;
 
 int32_t enforceForeignKeys(sqlite3* connection) {
     int enforced = 0;
@@ -33,7 +33,7 @@ int32_t set(sqlite3* connection) {
 
 int32_t configure(Connection& connection) try {
     const Moments moments(kLongestWait);
-    const Turn turn(connection.turns);
+    const Turn turn(connection.turns, moments.start());
     return connection.attempt(moments, [&] {
         int32_t result = enforceForeignKeys(connection.get());
         if (result == SQLITE_OK) {

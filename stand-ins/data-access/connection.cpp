@@ -69,6 +69,13 @@ Connection* Connection::of(sqlite3* handle) try {
 Connection::Connection(sqlite3* connection)
     : turns(Turns::of(fileOf(connection))), transactions(connection), handle(connection) {}
 
+bool Connection::hasTable(const char* name) {
+    return once(Clock::time_point(), [&] {
+               return sqlite3_table_column_metadata(handle, "main", name, nullptr, nullptr, nullptr,
+                                                    nullptr, nullptr, nullptr);
+           }) == SQLITE_OK;
+}
+
 // SQLite asks whether to go on trying. Who has the write lock and is held up by readers, in
 // rollback mode, keeps it: new ones can't come in. All others wait without the connection.
 int Connection::waitForReaders(void* self, int /*tries*/) {

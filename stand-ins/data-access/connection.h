@@ -43,17 +43,18 @@ class Connection {
     // have the connection: getters must go on while a setter waits. A write waits for its turn
     // first, and is part of the transaction that the calling thread has open.
     template <typename Work>
-    int32_t read(Work work) {
-        return attempt(Moments(kLongestWait), work);
-    }
+    int32_t read(Work work);
     template <typename Work>
     int32_t write(Work work);
 
-    // As a read does, with what is left of a wait; and once only.
+    // As a read does, with what is left of a wait; and once only, with its end.
     template <typename Work>
     int32_t attempt(const Moments& moments, Work work);
     template <typename Work>
-    int32_t once(const Moments& moments, Work work);
+    int32_t once(Clock::time_point end, Work work);
+
+    // Whether a table is there, as far as that can be told without a wait.
+    bool hasTable(const char* name);
 
     Statements statements;
     std::shared_ptr<Turns> turns;
@@ -67,20 +68,27 @@ class Connection {
 };
 
 template <typename Work>
-int32_t Connection::once(const Moments& moments, Work work) {
+int32_t Connection::once(Clock::time_point end, Work work) {
     const ConnectionLock lock(handle);
-    deadline = moments.deadline();
+    deadline = end;
     const int32_t unsettled = transactions.settle();
     return unsettled == SQLITE_OK ? work() : unsettled;
 }
 
 template <typename Work>
 int32_t Connection::attempt(const Moments& moments, Work work) {
-    int32_t result = once(moments, work);
+    int32_t result = once(moments.deadline(), work);
     while (result == SQLITE_BUSY && moments.pass()) {
-        result = once(moments, work);
+        result = once(moments.deadline(), work);
     }
     return result;
+}
+
+// The clock, too, is asked by those alone that have to wait.
+template <typename Work>
+int32_t Connection::read(Work work) {
+    const int32_t result = once(Clock::time_point(), work);
+    return result == SQLITE_BUSY ? attempt(Moments(kLongestWait), work) : result;
 }
 
 template <typename Work>
@@ -88,7 +96,7 @@ int32_t Connection::write(Work work) {
     const Moments moments(kLongestWait);
     if (transactions.isMine()) {
         Turn ended;
-        return once(moments, [&] { return transactions.afterStatement(work(), ended); });
+        return once(moments.deadline(), [&] { return transactions.afterStatement(work(), ended); });
     }
     if (!transactions.refusals.areNone()) {
         const ConnectionLock lock(handle);
@@ -96,6 +104,6 @@ int32_t Connection::write(Work work) {
             return refusal;
         }
     }
-    const Turn turn(turns);
+    const Turn turn(turns, moments.start());
     return attempt(moments, work);
 }

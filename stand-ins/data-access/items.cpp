@@ -10,6 +10,7 @@
 
 #include "stand-ins/data-access/connection.h"
 #include "stand-ins/data-access/item_values.h"
+#include "system/deleted_by.h"
 
 namespace {
 
@@ -26,13 +27,13 @@ int32_t readItem(sqlite3* handle, const KeyPath* path, const Profile& profile, D
     const auto look = [&](Connection& connection) {
         Run run(connection.get(), connection.statements, Verb::kGet, *address, profile);
         const int32_t result = run.step();
-        if (result != SQLITE_ROW || run.isNull()) {
-            return result == SQLITE_ROW || result == SQLITE_DONE ? SQLITE_OK : result;
+        if (result != SQLITE_ROW) {
+            return result == SQLITE_DONE ? SQLITE_OK : result;
         }
         const StoredText text = run.text();
         deliver(text);
         delivered = true;
-        return text ? SQLITE_OK : SQLITE_NOMEM;
+        return text || run.isNull() ? SQLITE_OK : SQLITE_NOMEM;
     };
     Connection* const connection = Connection::of(handle);
     const int32_t result =
@@ -85,10 +86,8 @@ int32_t isPresent(sqlite3* handle, const Address& address, const Profile& profil
     }) == SQLITE_ROW;
 }
 
-struct Free {
-    void operator()(void* block) const { std::free(block); }
-};
-using Ids = std::vector<std::unique_ptr<char, Free>>;
+using Id = std::unique_ptr<char, DeletedBy<std::free>>;
+using Ids = std::vector<Id>;
 
 // Throws std::bad_alloc.
 int32_t readNodes(Connection& connection, const Address& list, const Profile& profile, Ids& ids) {
@@ -97,7 +96,7 @@ int32_t readNodes(Connection& connection, const Address& list, const Profile& pr
     int32_t result = run.step();
     for (; result == SQLITE_ROW; result = run.step()) {
         const StoredText text = run.text();
-        std::unique_ptr<char, Free> id(text ? copyOf(*text) : nullptr);
+        Id id(text ? copyOf(*text) : nullptr);
         if (!id) {
             return SQLITE_NOMEM;
         }

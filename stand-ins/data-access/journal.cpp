@@ -6,6 +6,8 @@
 #include <cstring>
 #include <memory>
 
+#include "system/deleted_by.h"
+
 namespace {
 
 // The change of the journal wants the file to itself, and isn't worth more: a program that reads
@@ -62,7 +64,7 @@ int32_t leaveWriteAheadJournal(const char* database) {
         sqlite3* opened = nullptr;
         int32_t result =
             primaryCode(sqlite3_open_v2(database, &opened, SQLITE_OPEN_READWRITE, nullptr));
-        const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> connection(opened, sqlite3_close);
+        const std::unique_ptr<sqlite3, DeletedBy<sqlite3_close>> connection(opened);
         if (result == SQLITE_OK && toItself) {
             result = execute(opened, "PRAGMA locking_mode = EXCLUSIVE");
         }

@@ -29,7 +29,7 @@ struct flock placesOf(short type, off_t first, off_t count) {
 }
 
 constexpr off_t kTurn = 0;
-constexpr off_t kLast = 7;  // more processes than have a place get in in any order
+constexpr off_t kLast = 15;  // more processes than have a place get in in any order
 
 Locked lock(int file, off_t place) {
     if (place == kTurn) {
@@ -80,10 +80,22 @@ int ProcessQueue::descriptor() {
     return file->get();
 }
 
-bool ProcessQueue::enter(Clock::time_point deadline) {
+// Whether the turn that has been taken at once may be kept.
+bool ProcessQueue::isKept(Clock::time_point now) {
+    if (now < nextLook) {
+        return true;
+    }
+    if (somebodyWaits(file->get())) {
+        return false;
+    }
+    nextLook = now + std::chrono::milliseconds(1);
+    return true;
+}
+
+bool ProcessQueue::enter(Clock::time_point now, Clock::time_point deadline) {
     const int places = descriptor();
     const Locked atOnce = lock(places, kTurn);
-    if (atOnce == Locked::kNever || (atOnce == Locked::kYes && !somebodyWaits(places))) {
+    if (atOnce == Locked::kNever || (atOnce == Locked::kYes && isKept(now))) {
         return true;
     }
     if (atOnce == Locked::kYes) {

@@ -10,8 +10,9 @@
 //
 // The lock is that of the whole file; those of its bytes are places in front of it. Who comes to a
 // queue takes the last place and moves up when the place before it gets free, so that nobody is
-// overtaken, least of all by the one that has just left. The kernel frees the places of a process
-// that ends. Only the locks count: the file stays empty.
+// overtaken, least of all by the one that has just left. To look at the places costs as much as the
+// lock: a process that has looked may come again for a millisecond. The kernel frees the places of
+// a process that ends. Only the locks count: the file stays empty.
 class ProcessQueue {
   public:
     // For a database without a file the path is empty.
@@ -20,7 +21,7 @@ class ProcessQueue {
 
     // False, and nothing is held, if the deadline comes first. True at once where there can't be
     // such locks: who comes is held up by nothing then. One thread at a time.
-    bool enter(Clock::time_point deadline);
+    bool enter(Clock::time_point now, Clock::time_point deadline);
     void leave();
 
     // The file, opened on first use; below 0 if it can't be. It is closed with the queue alone: a
@@ -28,7 +29,10 @@ class ProcessQueue {
     int descriptor();
 
   private:
+    bool isKept(Clock::time_point now);
+
     std::string database;
     std::string path;
     std::optional<Descriptor> file;
+    Clock::time_point nextLook;
 };

@@ -42,10 +42,7 @@ Run::Run(sqlite3* connection, Statements& statements, Verb verb, const Address& 
 }
 
 Run::~Run() {
-    if (statement != nullptr) {
-        sqlite3_reset(statement);
-        sqlite3_clear_bindings(statement);
-    }
+    sqlite3_reset(statement);
 }
 
 void Run::bind(Parameter parameter, std::string_view text) {

@@ -12,16 +12,14 @@
 
 #include "stand-ins/data-access/item_address.h"
 #include "stand-ins/data-access/sql.h"
+#include "system/deleted_by.h"
 
 // SQLite's result without what it says beside the primary code.
 inline int32_t primaryCode(int result) {
     return result & 0xff;
 }
 
-struct Finalize {
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
+using Statement = std::unique_ptr<sqlite3_stmt, DeletedBy<sqlite3_finalize>>;
 
 // Null if SQLite refuses the text.
 Statement prepare(sqlite3* connection, std::string_view sql);
@@ -49,7 +47,7 @@ class Statements {
 };
 
 // One run of a prepared statement. The bound texts belong to the caller, who outlives the run; its
-// end gives up their pointers and the locks on the file.
+// end gives up the locks on the file. What was bound stays until the next run binds it anew.
 class Run {
   public:
     Run(sqlite3* connection, Statements& statements, Verb verb, const Address& address,

@@ -17,12 +17,12 @@ std::shared_ptr<Turns> Turns::of(const std::string& database) {
     return turns;
 }
 
-Turn::Turn(const std::shared_ptr<Turns>& turns) {
-    const auto deadline = Clock::now() + kLongestWaitForTurn;
+Turn::Turn(const std::shared_ptr<Turns>& turns, Clock::time_point now) {
+    const auto deadline = now + kLongestWaitForTurn;
     if (!turns->threads.enter(deadline)) {
         return;
     }
-    if (turns->processes.enter(deadline)) {
+    if (turns->processes.enter(now, deadline)) {
         held = turns;
     } else {
         turns->threads.leave();

@@ -25,7 +25,7 @@ struct Turns {
 class Turn {
   public:
     Turn() = default;
-    explicit Turn(const std::shared_ptr<Turns>& turns);
+    Turn(const std::shared_ptr<Turns>& turns, Clock::time_point now);
     ~Turn();
     Turn(Turn&& other) noexcept = default;
     Turn& operator=(Turn&& other) noexcept;

@@ -32,6 +32,7 @@ class Moments {
         return true;
     }
 
+    Clock::time_point start() const { return begin; }
     Clock::time_point deadline() const { return end; }
 
   private:

@@ -35,7 +35,7 @@ void readSoftware(Json& device) {
     device["machine"] = orNull(CML_getMachineName());
     device["kernel_release"] = orNull(kernel);
     device["kernel_version"] = orNull(version);
-    const double upTime = static_cast<double>(CML_getUpTime());
+    const auto upTime = static_cast<double>(CML_getUpTime());
     device["uptime_seconds"] = upTime == 0 ? Json() : Json(upTime);
     std::free(kernel);
     std::free(version);

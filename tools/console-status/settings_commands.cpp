@@ -86,7 +86,12 @@ int refuseValue(const Setting& setting, const std::string& text) {
     std::string takes = "a whole number of 32 bits";
     std::vector<std::string> words;
     for (const Word& word : setting.words) {
-        takes = words.empty() ? word.word : takes + ", " + word.word;
+        if (words.empty()) {
+            takes.clear();
+        } else {
+            takes += ", ";
+        }
+        takes += word.word;
         words.emplace_back(word.word);
     }
     if (!words.empty()) {

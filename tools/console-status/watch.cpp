@@ -7,6 +7,7 @@
 #include <ctime>
 #include <iomanip>
 #include <map>
+#include <optional>
 #include <sstream>
 
 #include "commands.h"
@@ -83,24 +84,27 @@ class Past {
 
   private:
     struct Traffic {
-        Json received;
-        Json sent;
+        std::optional<double> received;
+        std::optional<double> sent;
         History history;
     };
 
     // Null where one of the counts is unknown, or began anew.
-    static Json rate(const Json& before, const Json& now, double seconds) {
-        if (before.is_null() || now.is_null() || now < before) {
-            return nullptr;
-        }
-        return (now.get<double>() - before.get<double>()) / seconds;
+    static Json rate(std::optional<double> before, std::optional<double> now, double seconds) {
+        return before && now && *now >= *before ? Json((*now - *before) / seconds) : Json();
     }
 
     static void addRates(Json& port, Traffic& traffic, double seconds) {
-        port["rx_bytes_per_second"] = rate(traffic.received, port["rx_bytes"], seconds);
-        port["tx_bytes_per_second"] = rate(traffic.sent, port["tx_bytes"], seconds);
-        traffic.received = port["rx_bytes"];
-        traffic.sent = port["tx_bytes"];
+        const auto received = countOf(port["rx_bytes"]);
+        const auto sent = countOf(port["tx_bytes"]);
+        port["rx_bytes_per_second"] = rate(traffic.received, received, seconds);
+        port["tx_bytes_per_second"] = rate(traffic.sent, sent, seconds);
+        traffic.received = received;
+        traffic.sent = sent;
+    }
+
+    static std::optional<double> countOf(const Json& value) {
+        return value.is_null() ? std::nullopt : std::optional(value.get<double>());
     }
 
     static double numberOf(const Json& value) { return value.is_null() ? 0 : value.get<double>(); }

@@ -1,5 +1,8 @@
 // The results of the exported functions, by the table of their calls.
+#include <unistd.h>
+
 #include <barrier>
+#include <csignal>
 #include <locale>
 #include <thread>
 
@@ -98,6 +101,23 @@ TEST_F(Threads, CanWriteBehindTheLibrarysMessage) {
     run("mkdir /tmp/m7/console-manager.db");
     EXPECT_EQ(DAL_CML_isAutoThemePresent(), 0) << "writes one";
     std::jthread([] { std::fflush(stderr); });
+}
+
+// The signal comes while the library waits for the second half, which waits for its delivery.
+TEST_F(Calls, ASignalInTheMiddleOfANumberChangesNoFigure) {
+    struct sigaction interrupting {};
+    interrupting.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &interrupting, nullptr);
+    const std::string id = std::to_string(getpid());
+    const auto wait = [&](const std::string& line) {
+        return "until grep -q '" + line + "' /proc/" + id + "/status; do :; done; ";
+    };
+    putProgram("df", "printf '/dev/a 10'; " + wait("^State:.S") + "kill -USR1 " + id + "; " +
+                         wait("^ShdPnd:.0*$") + "echo 00 250");
+    uint32_t total = 0;
+    uint32_t used = 0;
+    CML_getStorageInfo(&total, &used);
+    EXPECT_EQ(joined(total, used), "1000 250");
 }
 
 TEST(Usage, IsNothingBeforeTheSecondReading) {

@@ -27,7 +27,7 @@ done
 # the rest goes first.
 mkdir -p root/var/lib/dpkg/info root/var/lib/dpkg/updates
 dpkg-query -s $(for package in packages/*.deb; do dpkg-deb -f "$package" Depends; done |
-    tr , '\n' | sed -n 's/^ *\([^ ]*\).*/\1/p' | grep -v console | sort -u) >root/var/lib/dpkg/status
+    tr , '\n' | sed -n 's/^ *\([^ ]*\).*/\1/p' | grep -v -e console -e stand-ins | sort -u) >root/var/lib/dpkg/status
 scripts/own_mounts.sh sh -euc '
     for packages in "lib*library0_* lib*-dev_* console-status_*" "*stand-ins_*"; do
         (cd packages && dpkg --root="$OLDPWD/root" --log="$OLDPWD/log" -i $packages)

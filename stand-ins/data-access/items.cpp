@@ -202,7 +202,7 @@ char** listNodes(sqlite3* handle, const KeyPath* path, const char* listName,
     }
     Connection* const connection = Connection::of(handle);
     Ids ids;
-    if (handle == nullptr || connection->read([&] {
+    if (connection == nullptr || connection->read([&] {
             return readNodes(*connection, *address, profile, ids);
         }) != SQLITE_OK) {
         return nullptr;

@@ -1,34 +1,32 @@
 // What the settings ask of the data access library, of SQLite and of the system, word for word: all
 // of them are played here, and each call is told in a line.
-#include <concepts>
-#include <cstring>
-
-#include "console-manager/settings.h"
 #include "contracts/data_access.h"
-#include "support/sandbox.h"
+
+#include <cctype>
+#include <concepts>
+
+#include "support/setting.h"
 
 static_assert(std::size(KeyPath{}.slots) == 17);
-
-// What a caller hands over.
-static int32_t number;
-static uint32_t length;
-static char text[9];
-static char* block;
 
 static std::string calls;        // a line each
 static std::string failing;      // the line of the call that fails
 constexpr int32_t kAnswer = 77;  // of a call on an item
+constexpr int32_t kNumber = 5;   // what a getter of a number delivers
+static std::string kept;         // the same of a text
 static char* nodes[1];           // of a listing
 
-// An argument in words; a connection is played by its name.
+// An argument in words; a connection is played by its name. What a getter delivers is written.
 struct Shown {
     Shown(std::integral auto value) : words(std::to_string(value)) {}
     Shown(const char* string) : words(string == nullptr ? "null" : string) {}
     Shown(sqlite3* name) : Shown(reinterpret_cast<const char*>(name)) {}
-    Shown(int32_t* value) : words(value == &number ? "&number" : "?") {}
-    Shown(char** value) : words(value == &block ? "&block" : "?") {}
-    Shown(uint32_t* word) : words(word == &length ? "&length" : *word == 0 ? "own 0" : "?") {}
-    Shown(char* buffer) : words(buffer == text ? "text" : "own") { std::strcpy(buffer, "AUTO"); }
+    Shown(int32_t* value) : words("number") { *value = kNumber; }
+    Shown(char* buffer) : words("buffer") { std::strcpy(buffer, kept.c_str()); }
+    Shown(char** value) : words("block") { *value = strdup(kept.c_str()); }
+    Shown(uint32_t* length) : words("length " + std::to_string(*length)) {
+        *length = static_cast<uint32_t>(kept.size());
+    }
     Shown(const KeyPath* path) {
         for (const auto& [name, value] : path->slots) {
             words += name || value ? Shown(name).words + " " + Shown(value).words + "/" : "/";
@@ -50,10 +48,10 @@ static int32_t tell(int32_t answer, std::string call, std::initializer_list<Show
 #define MORE(...) __VA_OPT__(,) __VA_ARGS__
 #define ON_ITEM(verb, noun, parameters, arguments)                                              \
     int32_t DAL_##verb##noun(sqlite3* db, const KeyPath* key MORE parameters) {                 \
-        return tell(kAnswer, #verb #noun, {db, key MORE arguments});                              \
+        return tell(kAnswer, #verb #noun, {db, key MORE arguments});                            \
     }                                                                                           \
     int32_t DAL_##verb##Profiled##noun(sqlite3* db, const KeyPath* key MORE parameters, int32_t profile) { \
-        return tell(kAnswer, #verb "Profiled" #noun, {db, key MORE arguments, profile});          \
+        return tell(kAnswer, #verb "Profiled" #noun, {db, key MORE arguments, profile});        \
     }
 ON_ITEM(get, TypeBOOL, (BOOL* a, BOOL b), (a, b))
 ON_ITEM(get, TypeInt, (int32_t* a, int32_t b), (a, b))
@@ -81,63 +79,107 @@ int system(const char* command) { return tell(0, "system", {command}); }
 
 namespace {
 
-#define CALL(...) [] { return DAL_CML_##__VA_ARGS__ == kAnswer; }, #__VA_ARGS__
+// In lower case, with a separator between words.
+std::string spelled(const std::string& name, char separator) {
+    std::string words;
+    for (const char c : name) {
+        words += std::isupper(c) && !words.empty() ? std::string(1, separator) : "";
+        words += static_cast<char>(std::tolower(c));
+    }
+    return words;
+}
 
-// clang-format off
-const struct {
-    bool (*run)();
-    const char* call;
-    const char* made;
-} kRows[] = {
-    {CALL(getEnableServiceIdEntry(&number)), "getTypeBOOL persistent dal_key enable-service-id-entry &number 0"},
-    {CALL(setEnableServiceIdEntry(2)), "setTypeBOOLLimits persistent dal_key enable-service-id-entry 2 0 -2147483648 2147483647"},
-    {CALL(deleteEnableServiceIdEntry()), "deleteItem persistent dal_key enable-service-id-entry"},
-    {CALL(deleteAllEnableServiceIdEntry()), "deleteProfiledItem persistent dal_key enable-service-id-entry -1"},
-    {CALL(isEnableServiceIdEntryPresent()), "isPresent persistent dal_key enable-service-id-entry"},
-    {CALL(getTouchScreenClick(&number)), "getProfiledTypeBOOL persistent dal_key touch-screen-click &number 1 0"},
-    {CALL(setTouchScreenClick(-3)), "setProfiledTypeBOOLLimits persistent dal_key touch-screen-click -3 0 -2147483648 2147483647 0"},
-    {CALL(deleteTouchScreenClick()), "deleteProfiledItem persistent dal_key touch-screen-click 0"},
-    {CALL(deleteAllTouchScreenClick()), "deleteProfiledItem persistent dal_key touch-screen-click -1"},
-    {CALL(isTouchScreenClickPresent()), "isProfiledPresent persistent dal_key touch-screen-click 0"},
-    {CALL(getDriverDisplaySource(&number)), "getTypeInt persistent dal_key driver-display-source &number -1"},
-    {CALL(setDriverDisplaySource(5)), "setTypeIntLimits persistent dal_key driver-display-source 5 0 -2147483648 2147483647"},
-    {CALL(getDisplayOffTimeout(&number)), "getProfiledTypeInt persistent dal_key display-off-timeout &number 30 0"},
-    {CALL(setDisplayOffTimeout(5)), "setProfiledTypeIntLimits persistent dal_key display-off-timeout 5 0 -2147483648 2147483647 0"},
-    {CALL(getLanguage(text, &length, 9)), "getTypeString persistent dal_key language text &length 9 EN"},
-    {CALL(getLanguageMalloc(&block, &length)), "getTypeStringMalloc persistent dal_key language &block &length"},
-    {CALL(setLanguage(nullptr)), "setTypeString persistent dal_key language null 0"},
-    {CALL(getDriverMessageTextEncoding(text, &length, 9)), "getProfiledTypeString persistent dal_key driver-message-text-encoding text &length 9 UTF-8 0"},
-    {CALL(getDriverMessageTextEncodingMalloc(&block, &length)), "getProfiledTypeStringMalloc persistent dal_key driver-message-text-encoding &block &length 0"},
-    {CALL(setDriverMessageTextEncoding("v")), "setProfiledTypeString persistent dal_key driver-message-text-encoding v 0 0"},
-    {CALL(getDateFormat(&number)), "getTypeString persistent dal_key date-format own own 0 65 DDMMYYYY"},
-    {CALL(setDateFormat(3)), "setTypeString persistent dal_key date-format YYYYMMDD 0"},
-    {CALL(deleteDateFormat()), "deleteItem persistent dal_key date-format"},
-    {CALL(deleteAllDateFormat()), "deleteProfiledItem persistent dal_key date-format -1"},
-    {CALL(isDateFormatPresent()), "isPresent persistent dal_key date-format"},
-    {CALL(getTheme(&number)), "getProfiledTypeString persistent dal_key theme own own 0 65 LIGHT 0"},
-    {CALL(setTheme(-1)), "setProfiledTypeString persistent dal_key theme  0 0"},
-    {CALL(setAutoTheme(2)), "setProfiledTypeString volatile dal_key auto-theme AUTO 0 0"},
-    {CALL(getBrowserDestinationHideItem("n", &number)), "getProfiledTypeInt persistent browser_destination_hide_list n/dal_key browser-destination-hide-item &number 1 0"},
-    {CALL(setBrowserDestinationHideItem("n", 5)), "setProfiledTypeIntLimits persistent browser_destination_hide_list n/dal_key browser-destination-hide-item 5 0 -2147483648 2147483647 0"},
-    {CALL(getHomeScreenIcon("n", text, &length, 9)), "getProfiledTypeString persistent home_screen_icons n/dal_key home-screen-icon text &length 9  0"},
-    {CALL(getHomeScreenIconMalloc("n", &block, &length)), "getProfiledTypeStringMalloc persistent home_screen_icons n/dal_key home-screen-icon &block &length 0"},
-    {CALL(setHomeScreenIcon("n", "v")), "setProfiledTypeString persistent home_screen_icons n/dal_key home-screen-icon v 0 0"},
-    {CALL(deleteHomeScreenIcon("n")), "deleteProfiledItem persistent home_screen_icons n/dal_key home-screen-icon 0"},
-    {CALL(deleteAllHomeScreenIcon("n")), "deleteProfiledItem persistent home_screen_icons n/dal_key home-screen-icon -1"},
-    {CALL(isHomeScreenIconPresent("n")), "isProfiledPresent persistent home_screen_icons n/dal_key home-screen-icon 0"},
-    {CALL(deleteHomeScreenIconsNode("n")), "deleteProfiledNodeItem persistent home_screen_icons n 0"},
-    {CALL(deleteAllHomeScreenIconsNodes()), "deleteProfiledNodeItem persistent home_screen_icons null -1"},
-    {CALL(isHomeScreenIconsNodePresent("n")), "isProfiledNodePresent persistent home_screen_icons n 0"},
-    {[] { return DAL_CML_listHomeScreenIconsNodes() == nodes; }, "list", "listProfiledNodeItems persistent home_screen_icons null home_screen_icons 0"},
+class EachSetting : public testing::TestWithParam<Setting> {
+  protected:
+    void SetUp() override { DAL_CML_deleteAll(); }
+
+    // A call that the setting's function makes on this path; its arguments, and the profile's
+    // number where only the profiled form has it.
+    void expect(const std::string& verb, const std::string& noun, const std::string& path,
+                const std::string& rest = "") const {
+        const bool isProfiled = setting.isProfiled;
+        EXPECT_EQ(calls, verb + (isProfiled ? "Profiled" : "") + noun + database + path + rest +
+                             (isProfiled ? " 0\n" : "\n"));
+        calls.clear();
+    }
+    void expect(const std::string& call, const std::string& pathAndRest) const {
+        EXPECT_EQ(calls, call + database + pathAndRest + "\n");
+        calls.clear();
+    }
+    void checkText() {
+        kept = "v";
+        EXPECT_EQ(setting.get(), "failed v");
+        expect("get", "TypeString", item, " buffer length 99 16 " + setting.initial);
+        EXPECT_EQ(setting.getMalloc(), "failed v");
+        expect("get", "TypeStringMalloc", item, " block length 99");
+        EXPECT_EQ(setting.set("a'b"), kAnswer);
+        expect("set", "TypeString", item, " a'b 0");
+    }
+    void checkNumber() {
+        EXPECT_EQ(setting.get(), "failed 5");
+        expect("get", "Type" + setting.type, item, " number " + setting.initial);
+        for (const std::string value : {"-2147483648", "3"}) {
+            EXPECT_EQ(setting.set(value), kAnswer);
+            expect("set", "Type" + setting.type + "Limits", item,
+                   " " + value + " 0 -2147483648 2147483647");
+        }
+    }
+    void checkWords() {
+        Texts words = setting.words;
+        words.emplace_back();  // of a number that has none
+        for (size_t i = 0; i < words.size(); ++i) {
+            const std::string number = std::to_string(i);
+            kept = words[i];
+            EXPECT_EQ(setting.get(), "failed " + (kept.empty() ? setting.initial : number));
+            expect("get", "TypeString", item,
+                   " buffer length 0 65 " + words[std::stoul(setting.initial)]);
+            EXPECT_EQ(setting.set(number), kAnswer);
+            expect("set", "TypeString", item, " " + kept + " 0");
+        }
+    }
+    void checkNodes() {
+        EXPECT_EQ(setting.list.deleteNode("n"), kAnswer);
+        expect("deleteProfiledNodeItem", list + " n 0");
+        EXPECT_EQ(setting.list.deleteAllNodes(), kAnswer);
+        expect("deleteProfiledNodeItem", list + " null -1");
+        EXPECT_EQ(setting.list.isNodePresent("n"), kAnswer);
+        expect("isProfiledNodePresent", list + " n 0");
+        EXPECT_EQ(setting.list.nodes(), nodes);
+        expect("listProfiledNodeItems", list + " null " + list + " 0");
+    }
+
+    const Setting& setting = GetParam();
+    const std::string database = setting.name == "AutoTheme" ? " volatile " : " persistent ";
+    const std::string list = spelled(setting.list.name, '_');
+    const std::string item =
+        (list.empty() ? "" : list + " n/") + "dal_key " + spelled(setting.name, '-');
 };
-// clang-format on
 
-std::string forEachList(const std::string& text) {
+TEST_P(EachSetting, MakesItsCallsAndGivesTheirResults) {
+    calls.clear();
+    EXPECT_EQ(setting.getDefault(), setting.initial);
+    setting.getMalloc ? checkText() : setting.words.empty() ? checkNumber() : checkWords();
+    EXPECT_EQ(setting.deleteItem(), kAnswer);
+    setting.isProfiled ? expect("deleteProfiledItem", item + " 0") : expect("deleteItem", item);
+    EXPECT_EQ(setting.deleteAll(), kAnswer);
+    expect("deleteProfiledItem", item + " -1");
+    EXPECT_EQ(setting.isPresent(), kAnswer);
+    expect("is", "Present", item);
+    if (!list.empty()) {
+        checkNodes();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings, EachSetting, testing::ValuesIn(kSettings),
+                         [](const auto& of) { return of.param.name; });
+
+// The text once for each list, in place of the @.
+std::string forEachList(const std::string& pattern) {
     std::string all;
     for (const char* list :
          {"browser_destination_hide_list", "browser_information_hide_list", "home_screen_icons",
           "qor_hot_key_select_list", "icons_menu_favourites"}) {
-        for (const char c : text) {
+        for (const char c : pattern) {
             all += c == '@' ? list : std::string(1, c);
         }
     }
@@ -179,15 +221,6 @@ TEST(DataAccessCalls, OfTheFirstUseAlsoIfItFailsAndOfDeletingAll) {
     failing = "DeleteFlatKeyTable persistent\n";
     EXPECT_EQ(DAL_CML_deleteAll(), 0);
     EXPECT_EQ(calls, kOpening + kDeleting);
-}
-
-TEST(DataAccessCalls, OfEachFormOfSetting) {
-    DAL_CML_deleteAll();
-    for (const auto& row : kRows) {
-        calls.clear();
-        EXPECT_TRUE(row.run()) << row.call;
-        EXPECT_EQ(calls, std::string(row.made) + "\n") << row.call;
-    }
 }
 
 }  // namespace

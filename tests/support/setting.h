@@ -20,13 +20,14 @@ struct ListFunctions {
 // of node "n".
 struct Setting {
     std::string name;
+    std::string type;  // in the data access library
     bool isProfiled;
     std::string initial;
-    std::function<std::string()> get, getMalloc, getDefault;  // getMalloc of texts only
-    std::function<int32_t(const std::string&)> set;
-    std::function<int32_t()> deleteItem, deleteAll, isPresent;
-    Texts words;  // of an enumerated one, by their numbers
-    ListFunctions list;
+    std::function<std::string()> get = {}, getMalloc = {}, getDefault = {};  // of texts: getMalloc
+    std::function<int32_t(const std::string&)> set = {};
+    std::function<int32_t()> deleteItem = {}, deleteAll = {}, isPresent = {};
+    Texts words = {};  // of an enumerated one, by their numbers
+    ListFunctions list = {};
 
     friend void PrintTo(const Setting& setting, std::ostream* out) { *out << setting.name; }
 };
@@ -66,14 +67,11 @@ std::string allocatedValueOf(Exact<int32_t(Node..., char**, uint32_t*)> get, Nod
 
 // The functions that all families have; those of a list's item take the node first.
 template <typename Value, typename... Node>
-Setting family(const char* name, bool isProfiled, const char* initial, auto get,
+Setting family(const char* name, const char* type, bool isProfiled, const char* initial, auto get,
                Exact<int32_t(Node..., Value)> set, Value (*getDefault)(),
                int32_t (*deleteItem)(Node...), int32_t (*deleteAll)(Node...),
                int32_t (*isPresent)(Node...), Node... node) {
-    Setting setting;
-    setting.name = name;
-    setting.isProfiled = isProfiled;
-    setting.initial = initial;
+    Setting setting{name, type, isProfiled, initial};
     setting.get = [=] { return valueOf(get, node...); };
     setting.set = [=](const std::string& text) {
         if constexpr (std::is_same_v<Value, int32_t>) {
@@ -105,13 +103,14 @@ inline Setting item(ListFunctions list, Setting family) {
 }
 
 // clang-format off
-#define FAMILY(Value, isProfiled, initial, name, ...) family<Value>(#name, isProfiled, initial, DAL_CML_get##name, \
+#define FAMILY(Value, type, isProfiled, initial, name, ...) family<Value>(#name, type, isProfiled, initial, DAL_CML_get##name, \
     DAL_CML_set##name, DAL_CML_get##name##Default, DAL_CML_delete##name, DAL_CML_deleteAll##name, \
     DAL_CML_is##name##Present __VA_OPT__(,) __VA_ARGS__)
-#define NUMBER(...) FAMILY(int32_t, __VA_ARGS__)
+#define TRUTH(...) FAMILY(BOOL, "BOOL", __VA_ARGS__)
+#define NUMBER(...) FAMILY(int32_t, "Int", __VA_ARGS__)
 #define TEXT(isProfiled, initial, name, ...) textFamily(DAL_CML_get##name##Malloc, \
-    FAMILY(const char*, isProfiled, initial, name __VA_OPT__(,) __VA_ARGS__) __VA_OPT__(,) __VA_ARGS__)
-#define WORD(isProfiled, initial, name, ...) enumerated({__VA_ARGS__}, NUMBER(isProfiled, initial, name))
+    FAMILY(const char*, "String", isProfiled, initial, name __VA_OPT__(,) __VA_ARGS__) __VA_OPT__(,) __VA_ARGS__)
+#define WORD(isProfiled, initial, name, ...) enumerated({__VA_ARGS__}, FAMILY(int32_t, "String", isProfiled, initial, name))
 #define LIST(list, itemFamily) item({#list, DAL_CML_is##list##NodePresent, DAL_CML_delete##list##Node, \
     DAL_CML_deleteAll##list##Nodes, DAL_CML_list##list##Nodes}, itemFamily)
 
@@ -120,24 +119,23 @@ constexpr bool kUnprofiled = false;
 constexpr const char* kNode = "n";
 
 inline const Setting kSettings[] = {
-    NUMBER(kProfiled, "0", EnableDriverPasswordLogin),      NUMBER(kProfiled, "0", EnableDriverIdEntry),
-    NUMBER(kProfiled, "0", AllowDriverReboot),              NUMBER(kProfiled, "0", AllowDriverToAdjustBrightness),
-    NUMBER(kProfiled, "0", QorHotKeySelectEnabled),         NUMBER(kProfiled, "0", EnableVirtualQorTerminal),
-    NUMBER(kProfiled, "0", UseCodeEntryKeypad),             NUMBER(kProfiled, "0", ShowToggleThemeIcon),
-    NUMBER(kProfiled, "0", ShowProfilesListByDefault),      NUMBER(kProfiled, "0", ShowPassengerCountTile),
-    NUMBER(kProfiled, "0", MaintenanceTimeout),             NUMBER(kProfiled, "1", DriverQorTerminalPermission),
-    NUMBER(kProfiled, "1", ShowCustomSplash),               NUMBER(kProfiled, "1", WakeOnRemoteAction),
-    NUMBER(kProfiled, "1", UseHomeCodeBrowseControls),      NUMBER(kProfiled, "1", TouchScreenClick),
-    NUMBER(kProfiled, "1", BeepsOnUsbUpdate),               NUMBER(kProfiled, "1", ShowHomeScreenDateTime),
-    NUMBER(kProfiled, "1", UserInterfaceRevision),          NUMBER(kUnprofiled, "0", EnableServiceIdEntry),
-    NUMBER(kUnprofiled, "0", AllowMultipleMessages),        NUMBER(kUnprofiled, "0", UsbUpdateRequiresPassword),
-    NUMBER(kUnprofiled, "0", DestinationChangeRequiresPassword),
-    NUMBER(kUnprofiled, "0", InformationChangeRequiresPassword),
-    NUMBER(kUnprofiled, "0", RoundTripEnable),              NUMBER(kUnprofiled, "0", RoundTripOrientation),
-    NUMBER(kUnprofiled, "0", SignTestMaintenanceLock),      NUMBER(kUnprofiled, "0", DriverDisplayRenderMode),
-    NUMBER(kUnprofiled, "1", AllowControlOfDestinations),   NUMBER(kUnprofiled, "1", TimeFormat),
-    NUMBER(kProfiled, "4", HomeScreenIconBarQty),           NUMBER(kProfiled, "15", DisplayInactivityTimeout),
-    NUMBER(kProfiled, "30", DisplayOffTimeout),             NUMBER(kUnprofiled, "-1", DriverDisplaySource),
+    TRUTH(kProfiled, "0", EnableDriverPasswordLogin),           TRUTH(kProfiled, "0", EnableDriverIdEntry),
+    TRUTH(kProfiled, "0", AllowDriverReboot),                   TRUTH(kProfiled, "0", AllowDriverToAdjustBrightness),
+    TRUTH(kProfiled, "0", QorHotKeySelectEnabled),              TRUTH(kProfiled, "0", EnableVirtualQorTerminal),
+    TRUTH(kProfiled, "0", UseCodeEntryKeypad),                  TRUTH(kProfiled, "0", ShowToggleThemeIcon),
+    TRUTH(kProfiled, "0", ShowProfilesListByDefault),           TRUTH(kProfiled, "0", ShowPassengerCountTile),
+    NUMBER(kProfiled, "0", MaintenanceTimeout),                 TRUTH(kProfiled, "1", DriverQorTerminalPermission),
+    TRUTH(kProfiled, "1", ShowCustomSplash),                    TRUTH(kProfiled, "1", WakeOnRemoteAction),
+    TRUTH(kProfiled, "1", UseHomeCodeBrowseControls),           TRUTH(kProfiled, "1", TouchScreenClick),
+    TRUTH(kProfiled, "1", BeepsOnUsbUpdate),                    TRUTH(kProfiled, "1", ShowHomeScreenDateTime),
+    NUMBER(kProfiled, "1", UserInterfaceRevision),              TRUTH(kUnprofiled, "0", EnableServiceIdEntry),
+    TRUTH(kUnprofiled, "0", AllowMultipleMessages),             TRUTH(kUnprofiled, "0", UsbUpdateRequiresPassword),
+    TRUTH(kUnprofiled, "0", DestinationChangeRequiresPassword), TRUTH(kUnprofiled, "0", InformationChangeRequiresPassword),
+    TRUTH(kUnprofiled, "0", RoundTripEnable),                   TRUTH(kUnprofiled, "0", RoundTripOrientation),
+    TRUTH(kUnprofiled, "0", SignTestMaintenanceLock),           NUMBER(kUnprofiled, "0", DriverDisplayRenderMode),
+    TRUTH(kUnprofiled, "1", AllowControlOfDestinations),        TRUTH(kUnprofiled, "1", TimeFormat),
+    NUMBER(kProfiled, "4", HomeScreenIconBarQty),               NUMBER(kProfiled, "15", DisplayInactivityTimeout),
+    NUMBER(kProfiled, "30", DisplayOffTimeout),                 NUMBER(kUnprofiled, "-1", DriverDisplaySource),
     TEXT(kProfiled, "", HomeScreenIconOrder),               TEXT(kProfiled, "UTF-8", DriverMessageTextEncoding),
     TEXT(kUnprofiled, "EN", Language),
     WORD(kProfiled, "0", Theme, "LIGHT", "DARK", "AUTO"),   WORD(kProfiled, "0", AutoTheme, "LIGHT", "DARK", "AUTO"),

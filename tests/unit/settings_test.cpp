@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <array>
 #include <barrier>
-#include <cctype>
 #include <thread>
 
+#include "console-manager/settings.h"
 #include "contracts/qor_core.h"
-#include "support/setting.h"
+#include "support/sandbox.h"
 #include "support/sqlite_query.h"
 
 // The logging libraries, played. A record is told by its first word, and none by 0.
@@ -28,95 +28,7 @@ void qor_logger_print3(TDL_LoggerRecord* logger, int level, int zero1, int zero2
 
 namespace {
 
-// In lower case, with a separator between words.
-std::string spelled(const std::string& name, char separator) {
-    std::string words;
-    for (const char c : name) {
-        words += std::isupper(c) && !words.empty() ? std::string(1, separator) : "";
-        words += static_cast<char>(std::tolower(c));
-    }
-    return words;
-}
-
-// Of a list, which is the @.
-const std::string kTables =
-    "CREATE TABLE tbl_@ (c_@ TEXT, c_dal_profile_no TEXT, UNIQUE(c_@, c_dal_profile_no)) "
-    "CREATE TABLE tbl_@_dal_key_dal_value (c_@ TEXT, c_dal_key TEXT, c_dal_profile_no TEXT, "
-    "c_dal_value TEXT, UNIQUE(c_@, c_dal_key, c_dal_profile_no), FOREIGN KEY(c_@, "
-    "c_dal_profile_no) REFERENCES tbl_@ (c_@, c_dal_profile_no) ON DELETE CASCADE ON UPDATE "
-    "CASCADE)";
-
 using Settings = Sandbox;
-
-class EachSetting : public Sandbox, public testing::WithParamInterface<Setting> {
-  protected:
-    void checkItem() const {
-        EXPECT_EQ(setting.getDefault(), setting.initial);
-        EXPECT_EQ(setting.get(), "ok " + setting.initial);
-        const bool isEnumerated = !setting.words.empty();
-        const Texts values = setting.getMalloc ? Texts{"a'b"}
-                             : isEnumerated    ? Texts{"0", "1", "2", "3", "4", "-1"}
-                                               : Texts{"-2147483648", "2147483647"};
-        Texts stored = isEnumerated ? setting.words : values;
-        stored.resize(values.size());
-        for (size_t i = 0; i < values.size(); ++i) {
-            EXPECT_EQ(setting.set(values[i]), 0);
-            EXPECT_EQ(rows(), (setting.isProfiled ? "0=" : "=") + stored[i]);
-            EXPECT_EQ(setting.get(), "ok " + (stored[i].empty() ? setting.initial : values[i]));
-        }
-        EXPECT_EQ(setting.isPresent(), 1);
-        EXPECT_TRUE(!setting.getMalloc || setting.getMalloc() == setting.get());
-        inDatabase("UPDATE " + items + " SET c_dal_profile_no = '3'");
-        EXPECT_EQ(setting.set("1") + setting.deleteItem(), 0);
-        EXPECT_EQ(setting.isPresent(), 0);
-        EXPECT_TRUE(!setting.getMalloc || setting.getMalloc() == "failed null");
-        EXPECT_EQ(rows(), "3=" + stored.back());
-        EXPECT_EQ(setting.set("1") + setting.deleteAll(), 0);
-        EXPECT_EQ(rows(), "") << "every profile's, and the unprofiled";
-    }
-
-    void checkNodes() const {
-        EXPECT_EQ(inDatabase("SELECT replace(sql, '" + list +
-                             "', '@') FROM sqlite_master WHERE sql LIKE '%" + nodes + "%'"),
-                  kTables);
-        inDatabase("INSERT INTO " + nodes + " VALUES ('n', '3')");
-        EXPECT_EQ(setting.list.isNodePresent("n"), 1) << "its item's delete leaves it";
-        EXPECT_EQ(take(setting.list.nodes()), Texts{"n"});
-        inDatabase(
-            "WITH RECURSIVE i(n) AS (SELECT 1000 UNION ALL SELECT n + 1 FROM i WHERE n < 1999) "
-            "INSERT INTO " +
-            nodes + " SELECT n, '0' FROM i");
-        EXPECT_EQ(take(setting.list.nodes()).size(), 1001u);
-        EXPECT_EQ(setting.list.deleteNode("n") + setting.list.isNodePresent("n"), 0);
-        EXPECT_EQ(inDatabase("SELECT * FROM " + nodes + " WHERE c_dal_profile_no != '0'"), "n|3");
-        EXPECT_EQ(setting.list.deleteAllNodes(), 0);
-        EXPECT_EQ(inDatabase("SELECT * FROM " + nodes), "");
-    }
-
-    std::string inDatabase(const std::string& sql) const { return query(database, sql); }
-
-    // Profile and value.
-    std::string rows() const {
-        return inDatabase("SELECT c_dal_profile_no || '=' || c_dal_value FROM " + items +
-                          " WHERE c_dal_key = '" + spelled(setting.name, '-') + "' ORDER BY 1");
-    }
-
-    Setting setting = GetParam();
-    std::string database = setting.name == "AutoTheme" ? kVolatileFile : kFile;
-    std::string list = spelled(setting.list.name, '_');
-    std::string nodes = "tbl_" + list;
-    std::string items = (list.empty() ? "tbl" : nodes) + "_dal_key_dal_value";
-};
-
-TEST_P(EachSetting, HasItsFunctionsAndItsRow) {
-    checkItem();
-    if (!list.empty()) {
-        checkNodes();
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Settings, EachSetting, testing::ValuesIn(kSettings),
-                         [](const auto& of) { return of.param.name; });
 
 TEST_F(Settings, AreOpenedOnceByThreadsThatComeTogether) {
     std::barrier start(8);

@@ -13,7 +13,7 @@
 
 namespace {
 
-#define LIST "home_screen_icons"
+#define LIST "az_09"
 const KeyPath kPlain{{{"dal_key", "k"}}};
 const KeyPath kItem{{{LIST, "n"}, {"dal_key", "k"}}};
 const KeyPath kSecond{{{LIST, "m"}, {"dal_key", "k"}}};
@@ -195,9 +195,9 @@ TEST_F(DataAccessContract, ANodeComesWithItsFirstItemAndTakesItAlong) {
     EXPECT_EQ(DAL_isProfiledNodePresent(db, &kNode, 0), 0);
     expectStored(kInt, kItem, kAbsent);
     expectStored(kInt, kSecond, 0);
-    execute("INSERT INTO tbl_home_screen_icons VALUES ('of another profile', '5');");
+    execute("INSERT INTO tbl_" LIST " VALUES ('of another profile', '5');");
     EXPECT_EQ(DAL_deleteProfiledNodeItem(db, &kWholeList, DAL_ALL_PROFILES), 0);
-    EXPECT_EQ(query(folder + "/db", "SELECT * FROM tbl_home_screen_icons"), "");
+    EXPECT_EQ(query(folder + "/db", "SELECT * FROM tbl_" LIST), "");
     expectStored(kInt, kSecond, kAbsent);
 }
 
@@ -207,7 +207,7 @@ TEST_F(DataAccessContract, TheFlatKeyTableKeepsItsRowsUntilTheyAreDeletedInATran
     expectStored(kPlainInt, kPlain, 1);
     sqlite3* const other = connect();
     execute("BEGIN TRANSACTION;");
-    execute("DELETE FROM tbl_home_screen_icons;");
+    execute("DELETE FROM tbl_" LIST ";");
     EXPECT_EQ(DAL_DeleteFlatKeyTable(db), 0);
     EXPECT_EQ(kPlainInt.get(other, &kPlain, 5).value, 1) << "it isn't committed";
     execute("COMMIT;");

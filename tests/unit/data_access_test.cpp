@@ -1,6 +1,7 @@
 // The data access library on a connection of the test's own: what the settings don't reach.
 #include "contracts/data_access.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -29,6 +30,22 @@ extern "C" int nanosleep(const timespec* time, timespec*) {
 extern "C" int clock_gettime(clockid_t, timespec* now) {
     *now = {static_cast<time_t>(milliseconds / 1000), milliseconds % 1000 * 1'000'000};
     return 0;
+}
+
+// A statement that fails, by its SQL.
+static std::string failing;
+
+extern "C" int sqlite3_step(sqlite3_stmt* statement) {
+    static const auto next =
+        reinterpret_cast<decltype(&sqlite3_step)>(dlsym(RTLD_NEXT, "sqlite3_step"));
+    return !failing.empty() && failing == sqlite3_sql(statement) ? SQLITE_NOMEM : next(statement);
+}
+
+extern "C" int sqlite3_exec(sqlite3* db, const char* sql, sqlite3_callback each, void* context,
+                            char** message) {
+    static const auto next =
+        reinterpret_cast<decltype(&sqlite3_exec)>(dlsym(RTLD_NEXT, "sqlite3_exec"));
+    return failing == sql ? SQLITE_NOMEM : next(db, sql, each, context, message);
 }
 
 namespace {
@@ -77,8 +94,13 @@ TEST_F(DataAccess, WhatIsNoItemOrOutOfLimitsFailsAndDelivers) {
         EXPECT_NE(DAL_getTypeString(connection, path, text, nullptr, sizeof text, "long"), 0);
         EXPECT_STREQ(text, "lon");
         EXPECT_NE(DAL_setTypeString(connection, path, "v", 0), 0);
+        char* block = text;
+        EXPECT_EQ(DAL_getTypeStringMalloc(connection, path, &block, nullptr), SQLITE_MISUSE);
+        EXPECT_EQ(block, nullptr);
         EXPECT_NE(DAL_deleteProfiledItem(connection, path, DAL_ALL_PROFILES), 0);
     }
+    char* block = nullptr;
+    EXPECT_EQ(DAL_getTypeStringMalloc(db, &kItem, &block, nullptr), SQLITE_NOTFOUND);
     EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, 8, 0, 5, 7), SQLITE_RANGE);
     EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, 4, 0, 5, 7), SQLITE_RANGE);
     EXPECT_EQ(query(kFile, kFlatRows), "");
@@ -147,6 +169,55 @@ TEST_F(DataAccess, ThreadsThatOpenAtOnceWaitOnce) {
     std::thread waiting(open);
     open();
     waiting.join();
+}
+
+TEST_F(DataAccess, WhatOneOfItsStatementsCantDoIsUndoneAsAWhole) {
+    open();
+    const auto isOk = [&](const char* sql, const std::function<int32_t()>& call) {
+        failing = sql;
+        const int32_t result = call();
+        failing.clear();
+        EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, 1, 0, 1, 1), 0) << "the call behind it";
+        EXPECT_EQ(query(kFile, kFlatRows + "; SELECT * FROM tbl_home_screen_icons"), "k||1") << sql;
+        return result == 0;
+    };
+    const auto configure = [&] { return DAL_SetDBConfiguration(db); };
+    const auto setInList = [&] { return DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0); };
+    const auto setWithin = [&](const char* end) {
+        const int32_t begun = DAL_ExecuteQuery(db, "BEGIN TRANSACTION;");
+        const int32_t set = setInList();
+        return begun + set + DAL_ExecuteQuery(db, end);
+    };
+    for (const char* const sql : {"PRAGMA synchronous = EXTRA", "PRAGMA journal_mode",
+                                  "PRAGMA journal_size_limit = 524288"}) {
+        EXPECT_FALSE(isOk(sql, configure)) << sql;
+    }
+    for (const char* const sql : {"BEGIN IMMEDIATE", "COMMIT"}) {
+        EXPECT_FALSE(isOk(sql, setInList)) << sql;
+        EXPECT_FALSE(isOk(sql, [&] { return setWithin("COMMIT"); })) << sql;
+    }
+    for (const char* const sql : {"SAVEPOINT dal", "RELEASE dal"}) {
+        EXPECT_FALSE(isOk(sql, [&] { return setWithin("COMMIT"); })) << sql;
+    }
+    EXPECT_FALSE(isOk("ROLLBACK", [&] { return setWithin("ROLLBACK"); })) << "and is made up for";
+}
+
+TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {
+    open();
+    const std::string file = "/mnt/vex-data/m7/other.db";
+    query(file, "CREATE TABLE t (a)");
+    sqlite3 *reader = nullptr, *own = nullptr;
+    sqlite3_open(file.c_str(), &reader);
+    sqlite3_open(file.c_str(), &own);
+    EXPECT_EQ(sqlite3_exec(reader, "BEGIN; SELECT * FROM t", nullptr, nullptr, nullptr), 0);
+    const int64_t before = milliseconds;
+    EXPECT_EQ(DAL_SetDBConfiguration(own), 0);
+    EXPECT_NEAR(static_cast<double>(milliseconds - before), 1000, 10);
+    EXPECT_EQ(query(file, "PRAGMA journal_mode"), "delete");
+    sqlite3_close(reader);
+    EXPECT_EQ(DAL_SetDBConfiguration(own), 0);
+    EXPECT_EQ(query(file, "PRAGMA journal_mode"), "wal");
+    sqlite3_close(own);
 }
 
 // Locks of the file's places, as other processes have them.

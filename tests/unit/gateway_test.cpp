@@ -34,6 +34,7 @@ TEST_F(Gateway, RoutesAreAskedForAndRepliesReadWithinTheirLengths) {
     // clang-format off
     const std::tuple<const char*, std::string, std::string> cases[] = {
         {"attributes in the other order", message(via + out), found},
+        {"a type that isn't looked at", message(out + via, 0, RT_TABLE_MAIN, AF_INET, RTM_NEWLINK), found},
         {"no answer", "time-out", ""},
         {"a cut message", good.substr(0, good.size() - 1), ""},
         {"an error", message(out + via, 0, RT_TABLE_MAIN, AF_INET, NLMSG_ERROR), ""},

@@ -1,9 +1,9 @@
+// console-status: shows what the console manager library knows, and changes settings.
 #include "commands.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <sstream>
-#include <vector>
+#include <exception>
 
 #include "table.h"
 
@@ -16,20 +16,24 @@ constexpr Command kCommands[] = {
     {"device", "", "jw", "software, load, memory and storage", reportSections},
     {"ports", "", "jw", "the network ports", reportSections},
     {"wifi", "", "jw", "the links of the wireless ports", reportSections},
-    {"get", "NAME [NODE]", "j", "print a value", getSetting},
-    {"set", "NAME [NODE] VALUE", "", "store a value; makes the node", setSetting},
-    {"reset", "NAME [NODE]", "", "remove a value: the default holds", resetSetting},
-    {"list", "LIST", "j", "print the nodes of a list", showList},
-    {"remove", "LIST NODE", "", "remove a node with its value", removeNode},
-    {"clear", "LIST", "", "remove all nodes of a list", clearList},
+    {"get", "NAME [NODE]", "j", "print a value", useSetting},
+    {"set", "NAME [NODE] VALUE", "", "store a value; makes the node", useSetting},
+    {"reset", "NAME [NODE]", "", "remove a value: the default holds", useSetting},
+    {"list", "LIST", "j", "print the nodes of a list", useSetting},
+    {"remove", "LIST NODE", "", "remove a node with its value", useSetting},
+    {"clear", "LIST", "", "remove all nodes of a list", useSetting},
     {"factory-reset", "", "y", "remove all values of settings and lists", resetAll},
     {"scan", "PORT", "j", "print the Wi-Fi networks around", scanWifi},
     {"ping", "HOST", "jpt", "tell whether a host answers", pingHost},
     {"help", "[COMMAND]", "", "tell more", help},
 };
-// Without a command.
-constexpr Command kReport = {nullptr, "", "jw", "report all", reportSections};
+constexpr Command kReport = {"the report", "", "jw", "", reportSections};
 
+constexpr const char* kSynopsis = R"(usage: console-status [OPTION]... [COMMAND [ARGUMENT]...]
+
+Without a command: a report of all that the console manager library knows.
+
+)";
 constexpr const char* kNotes = R"(
 NAME is a setting, or a list with one of its NODEs. A VALUE that has a word can
 be given as word or number: set Theme dark. Names are as "settings" prints them.
@@ -39,110 +43,72 @@ Exit status: 0 done; 1 failed, or the report lacks something; 2 arguments not
 understood. console-status(1) tells more.
 )";
 
-const Command* find(const std::string& name) {
-    std::vector<std::string> names;
-    for (const Command& command : kCommands) {
-        if (name == command.name) {
-            return &command;
-        }
-        names.emplace_back(command.name);
-    }
-    fail("there is no command '" + Cell(name).text + "'" + suggestion(name, names));
-    return nullptr;
+const Command* commandOf(const std::string& name) {
+    return find<Command>(kCommands, name, "command");
 }
 
-std::string usageOf(const Command& command) {
-    const std::string arguments = command.arguments;
-    return command.name + (arguments.empty() ? "" : " " + arguments);
+bool takes(const Command& command, const Option& option) {
+    return std::string(command.options).find(option.letter) != std::string::npos;
 }
 
-std::string helpOf(const Option& option) {
-    const std::string name = std::string("-") + option.letter + ", --" + option.name;
-    const std::string usage = option.argument == nullptr ? name : name + " " + option.argument;
-    return "  " + usage + std::string(23 - usage.size(), ' ') + option.help + "\n";
+// Names on the left, what they mean on the right.
+std::string helpLine(std::string left, const std::string& argument, const char* right) {
+    left += (argument.empty() ? "" : " ") + argument;
+    return "  " + left + std::string(23 - left.size(), ' ') + right + "\n";
 }
 
-std::string helpOf(const Command& command) {
-    std::string text =
-        "usage: console-status " + usageOf(command) + "\n\n  " + command.help + "\n\n";
-    for (const Option& option : options()) {
-        if (std::string(command.options).find(option.letter) != std::string::npos) {
-            text += helpOf(option);
-        }
-    }
-    return text;
-}
-
-std::string helpOfAll() {
-    std::string text =
-        "usage: console-status [OPTION]... [COMMAND [ARGUMENT]...]\n\n"
-        "Without a command: a report of all that the console manager library knows.\n\n";
-    for (const Command& command : kCommands) {
-        const std::string usage = usageOf(command);
-        text += "  " + usage + std::string(23 - usage.size(), ' ') + command.help + "\n";
-    }
-    text += "\n";
-    for (const Option& option : options()) {
-        text += helpOf(option);
-    }
-    return text + kNotes;
-}
-
-int helpWith(const std::string& name) {
-    const Command* const command = find(name);
-    if (command == nullptr) {
+// Of all, or of the command that follows.
+int help(const Arguments& arguments) {
+    const bool isAll = arguments.words.size() < 2;
+    const Command* const one = isAll ? nullptr : commandOf(arguments.words[1]);
+    if (!isAll && one == nullptr) {
         return kUsageError;
     }
-    print(helpOf(*command));
-    return kDone;
-}
-
-int help(const Arguments& arguments) {
-    if (arguments.words.size() > 1) {
-        return helpWith(arguments.words[1]);
+    print(isAll
+              ? kSynopsis
+              : std::string("usage: console-status ") + one->name + " " + one->arguments + "\n\n");
+    for (const Command& command : kCommands) {
+        const bool shown = isAll || one == &command;
+        print(shown ? helpLine(command.name, command.arguments, command.help) : "");
     }
-    print(helpOfAll());
+    print(isAll || *one->options != '\0' ? "\n" : "");
+    for (const Option& option : options()) {
+        const std::string name = std::string("-") + option.letter + ", --" + option.name;
+        const bool shown = isAll || takes(*one, option);
+        print(shown ? helpLine(name, option.argument, option.help) : "");
+    }
+    print(isAll ? kNotes : "");
     return kDone;
 }
 
-// Nothing, or what is wrong with the arguments for a command.
+// What is wrong with the arguments for a command; nothing if they are right.
 std::string mistake(const Command& command, const Arguments& arguments) {
-    const std::string name = command.name == nullptr ? "the report" : command.name;
+    const std::string name = command.name;
     for (const Option& option : options()) {
-        if (arguments.has(option.letter) &&
-            std::string(command.options).find(option.letter) == std::string::npos) {
+        if (arguments.has(option.letter) && !takes(command, option)) {
             return name + " takes no --" + option.name;
         }
     }
-    std::istringstream each(command.arguments);
-    size_t least = 0;
-    size_t most = 0;
-    for (std::string argument; each >> argument; ++most) {
-        least += argument.starts_with('[') ? 0U : 1U;
-    }
-    const size_t given = arguments.words.empty() ? 0 : arguments.words.size() - 1;
-    if (given < least || given > most) {
-        return name + " takes " + (most == 0 ? "no arguments" : command.arguments);
-    }
-    return "";
-}
-
-}  // namespace
-
-std::span<const Command> commands() {
-    return kCommands;
+    const std::string wanted = command.arguments;
+    const auto most = std::ranges::count(wanted, ' ') + (wanted.empty() ? 0 : 1);
+    const auto least = most - std::ranges::count(wanted, '[');
+    const auto given = std::max<std::ptrdiff_t>(std::ssize(arguments.words) - 1, 0);
+    const bool fits = given >= least && given <= most;
+    return fits ? "" : name + " takes " + (most == 0 ? "no arguments" : wanted);
 }
 
 int run(const Arguments& arguments) {
-    const bool named = !arguments.words.empty();
     if (arguments.has('V')) {
         print("console-status " CONSOLE_STATUS_VERSION "\n");
         return kDone;
     }
+    const bool named = !arguments.words.empty();
     if (arguments.has('h')) {
-        return named ? helpWith(arguments.words[0]) : help(arguments);
+        Arguments about{{"help"}, {}};
+        about.words.insert(about.words.end(), arguments.words.begin(), arguments.words.end());
+        return help(about);
     }
-    const Command* const command = named ? find(arguments.words[0]) : &kReport;
+    const Command* const command = named ? commandOf(arguments.words[0]) : &kReport;
     if (command == nullptr) {
         return kUsageError;
     }
@@ -150,15 +116,38 @@ int run(const Arguments& arguments) {
     return wrong.empty() ? command->run(arguments) : fail(wrong, kUsageError);
 }
 
+int runLine(int count, char** words) {
+    try {
+        const auto arguments = parse(count, words);
+        return arguments ? run(*arguments) : kUsageError;
+    } catch (const std::exception& error) {
+        return fail(error.what());
+    }
+}
+
+}  // namespace
+
+int fail(const std::string& message, int status) {
+    std::fprintf(stderr, "console-status: %s\n", message.c_str());
+    return status;
+}
+
+std::string quoted(const std::string& text) {
+    return "'" + Cell(text).text + "'";
+}
+
 void print(const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
-void printJson(const Json& json) {
-    print(json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
-}
-
-int fail(const std::string& message, int status) {
-    std::fprintf(stderr, "console-status: %s\n", message.c_str());
+int main(int count, char** words) {
+    setUpTerminal();
+    std::string name = "console-status";
+    words[0] = name.data();  // getopt_long's messages begin with it
+    const int status = runLine(count, words);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::perror("console-status: output");
+        return kFailed;
+    }
     return status;
 }

@@ -1,45 +1,78 @@
-// What the program does: a command each, with its exit status.
+// What the program does: a command each, with its arguments and its exit status.
 #pragma once
 
+#include <map>
+#include <optional>
 #include <span>
 #include <string>
-
-#include "arguments.h"
-#include "report.h"
+#include <vector>
 
 constexpr int kDone = 0;
 constexpr int kFailed = 1;      // or a part of it
 constexpr int kUsageError = 2;  // an argument can't be understood
 
+struct Option {
+    char letter;
+    const char* name;
+    const char* argument;  // what it takes, or nothing
+    const char* help;
+};
+std::span<const Option> options();
+
+struct Arguments {
+    std::vector<std::string> words;       // the command and what follows it, without options
+    std::map<char, std::string> options;  // by letter, with their values
+
+    bool has(char letter) const { return options.contains(letter); }
+    std::string value(char letter, const char* otherwise) const {
+        return has(letter) ? options.at(letter) : otherwise;
+    }
+    // Nothing, after a message, if the value is no whole number from 1.
+    std::optional<int> seconds(char letter, const char* otherwise) const;
+};
+
+// Nothing, after a message, if an option is wrong. Options may stand anywhere; a negative number is
+// none, and "--" ends them.
+std::optional<Arguments> parse(int count, char** words);
+
 struct Command {
-    const char* name;       // null for what is done without a command
+    const char* name;
     const char* arguments;  // "NAME [NODE] VALUE": one in brackets may be left out
     const char* options;    // the letters of those that it takes
     const char* help;       // in a line
     int (*run)(const Arguments& arguments);
 };
-std::span<const Command> commands();
 
-// Does what the arguments say.
-int run(const Arguments& arguments);
-
-// Writes to standard output; JSON in several lines.
 void print(const std::string& text);
-void printJson(const Json& json);
 
 // A message on stderr; gives the status.
 int fail(const std::string& message, int status = kFailed);
 
+// Between single quotes, fit to be shown.
+std::string quoted(const std::string& text);
+
+// "; did you mean ...?" with the one of the names that comes closest, or nothing.
+std::string suggestion(const std::string& given, const std::vector<std::string>& names);
+
+// The row of that name; null after a message that there is no such thing.
+template <typename Row>
+const Row* find(std::span<const Row> rows, const std::string& name, const std::string& thing) {
+    std::vector<std::string> names;
+    for (const Row& row : rows) {
+        if (name == row.name) {
+            return &row;
+        }
+        names.emplace_back(row.name);
+    }
+    fail("there is no " + thing + " " + quoted(name) + suggestion(name, names));
+    return nullptr;
+}
+
+// The whole number that a text is.
+std::optional<int> numberOf(const std::string& text);
+
 int reportSections(const Arguments& arguments);
-int getSetting(const Arguments& arguments);
-int setSetting(const Arguments& arguments);
-int resetSetting(const Arguments& arguments);
-int showList(const Arguments& arguments);
-int removeNode(const Arguments& arguments);
-int clearList(const Arguments& arguments);
+int useSetting(const Arguments& arguments);
 int resetAll(const Arguments& arguments);
 int scanWifi(const Arguments& arguments);
 int pingHost(const Arguments& arguments);
-
-// Prints what can stand in place of the last of these words of a command line, a line each.
-int complete(const std::vector<std::string>& words);

@@ -13,96 +13,53 @@ namespace {
 
 namespace fs = std::filesystem;
 
-int32_t askPersistent() {
+template <auto kGet>
+int32_t ask() {
     int32_t value = 0;
-    return DAL_CML_getTheme(&value);
+    return kGet(&value);
 }
 
-int32_t askVolatile() {
-    int32_t value = 0;
-    return DAL_CML_getAutoTheme(&value);
-}
-
-// What the library's results mean, whose numbers are those of SQLite; null for all others.
-const char* knownMeaning(int32_t result) {
-    switch (result) {
-        case 5:
-            return "another process is writing";
-        case 7:
-            return "there is no memory left";
-        case 8:
-            return "it may only be read";
-        case 10:
-            return "its disk fails";
-        case 11:
-        case 26:
-            return "it is damaged";
-        case 13:
-            return "its disk is full";
-        default:
-            return nullptr;
-    }
-}
-
-// Empty if the rights are there.
-std::string refusal(const fs::path& path, int rights) {
-    return access(path.c_str(), rights) == 0 ? "" : path.string() + ": " + std::strerror(errno);
-}
-
-// Why there is no such file.
-std::string whyMissing(const fs::path& file) {
-    std::error_code ignored;
-    fs::path folder = file.parent_path();
-    while (!fs::exists(folder, ignored) && folder.has_relative_path()) {
-        folder = folder.parent_path();
-    }
-    if (!fs::is_directory(folder, ignored)) {
-        return folder.string() + " is no folder";
-    }
-    const std::string why = refusal(folder, W_OK | X_OK);
-    return "there is none, and it can't be made" + (why.empty() ? "" : " in " + why);
-}
-
-// Why a file that is there can't be used.
-std::string whyUnusable(const fs::path& file) {
-    // The journal beside it has to be written even by those who only read.
-    for (const auto& [path, rights] :
-         {std::pair(file, R_OK | W_OK), std::pair(file.parent_path(), W_OK | X_OK)}) {
-        if (std::string why = refusal(path, rights); !why.empty()) {
-            return why;
-        }
-    }
-    std::error_code ignored;
-    if (fs::space(file, ignored).available == 0) {
-        return "its disk is full";
-    }
-    return "it is damaged, or no database, or another process holds it";
+// What every database file begins with, if anything has been written to it.
+bool hasHeader(const fs::path& file) {
+    char head[16] = "SQLite format 3";
+    std::ifstream(file).read(head, sizeof head);
+    return std::memcmp(head, "SQLite format 3", sizeof head) == 0;
 }
 
 }  // namespace
 
-const Database kPersistent = {"persistent", "/mnt/vex-data/m7/console-manager.db", askPersistent};
-const Database kVolatile = {"volatile", "/tmp/m7/console-manager.db", askVolatile};
+const Database kPersistent = {"persistent", "/mnt/vex-data/m7/console-manager.db",
+                              ask<DAL_CML_getTheme>};
+const Database kVolatile = {"volatile", "/tmp/m7/console-manager.db", ask<DAL_CML_getAutoTheme>};
 
-std::string meaningOf(int32_t result) {
-    const char* const meaning = knownMeaning(result);
-    return meaning != nullptr ? meaning : "error " + std::to_string(result);
+std::string whyUnusable(const Database& database) {
+    const fs::path file = database.path;
+    fs::path nearest = file;  // that, or the folder in which it has to be made
+    while (access(nearest.c_str(), F_OK) != 0 && errno != EACCES) {
+        nearest = nearest.parent_path();
+    }
+    const bool isThere = nearest == file;
+    std::error_code ignored;
+    if (!isThere && !fs::is_directory(nearest, ignored)) {
+        return nearest.string() + " is no folder";
+    }
+    const std::string start = isThere ? "" : "there is none, and it can't be made in ";
+    // The journal beside the file has to be written even by those who only read.
+    for (const fs::path& path : {nearest, isThere ? file.parent_path() : nearest}) {
+        if (access(path.c_str(), R_OK | W_OK) != 0) {
+            return start + path.string() + ": " + std::strerror(errno);
+        }
+    }
+    return fs::space(nearest, ignored).available == 0 ? "its disk is full"
+           : !isThere                                 ? start + nearest.string()
+           : hasHeader(file)                          ? "it is damaged, or another process holds it"
+                                                      : "it is damaged, or no database";
 }
 
 std::optional<std::string> troubleOf(const Database& database) {
-    // The library tells less, and as often as it is asked.
-    const Quiet quiet;
-    const int32_t result = database.ask();
-    if (result == 0) {
-        return std::nullopt;
-    }
-    std::string why;
-    if (const char* const meaning = knownMeaning(result)) {
-        why = meaning;
-    } else {
-        const bool isThere = access(database.path, F_OK) == 0 || errno == EACCES;
-        why = isThere ? whyUnusable(database.path) : whyMissing(database.path);
-    }
-    return std::string("the ") + database.name + " database " + database.path +
-           " can't be used: " + why;
+    const Quiet quiet;  // the library tells less, and as often as it is asked
+    return database.ask() == 0
+               ? std::nullopt
+               : std::optional(std::string("the ") + database.name + " database " + database.path +
+                               " can't be used: " + whyUnusable(database));
 }

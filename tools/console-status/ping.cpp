@@ -1,59 +1,43 @@
 #include <console-manager/network.h>
 #include <sys/wait.h>
 
-#include <algorithm>
-#include <cctype>
-
 #include "commands.h"
-#include "table.h"
+#include "report.h"
 
 namespace {
 
-// The library hands names to a shell. These characters mean nothing to it, and make up all names
+// The library hands names to a shell. These characters mean nothing to it, and make up the names
 // and addresses of hosts and the usual names of ports.
 bool isPlain(const std::string& name) {
-    constexpr size_t kLongest = 253;
-    return !name.empty() && name.size() <= kLongest && name[0] != '-' &&
-           std::ranges::all_of(name, [](unsigned char c) {
-               return c < 0x80 && (std::isalnum(c) != 0 || c == '.' || c == ':' || c == '-' ||
-                                   c == '_' || c == '%');
-           });
+    constexpr const char* kPlain =
+        "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ.:%_-";
+    return !name.empty() && name.size() <= 253 && name[0] != '-' &&
+           name.find_first_not_of(kPlain) == std::string::npos;
 }
 
-// By what system() gives.
+// By what the library gives: the wait status of a shell, or -1.
 std::string outcomeOf(int32_t status) {
-    constexpr int kNoCommand = 127;
-    constexpr int kNoAnswer = 1;
-    if (status == 0) {
-        return "answers";
-    }
-    if (status == -1 || !WIFEXITED(status) || WEXITSTATUS(status) == kNoCommand) {
-        return "can't be asked: the ping command can't be run";
-    }
-    return WEXITSTATUS(status) == kNoAnswer ? "doesn't answer"
-                                            : "can't be reached, or there is no such name";
+    const int ofPing = WIFEXITED(status) ? WEXITSTATUS(status) : 127;
+    return ofPing == 0     ? "answers"
+           : ofPing == 1   ? "doesn't answer"
+           : ofPing == 127 ? "can't be asked: the ping command can't be run"
+                           : "can't be reached, or there is no such name";
 }
 
 }  // namespace
 
 int pingHost(const Arguments& arguments) {
-    constexpr int kUsualTimeout = 2;
     const std::string& host = arguments.words[1];
-    for (const auto& name : {host, arguments.has('p') ? arguments.port : host}) {
-        if (!isPlain(name)) {
-            return fail("'" + Cell(name).text + "' is no name or address", kUsageError);
-        }
+    const std::string port = arguments.value('p', "");
+    if (!isPlain(host) || (arguments.has('p') && !isPlain(port))) {
+        return fail(quoted(isPlain(host) ? port : host) + " is no name or address", kUsageError);
     }
-    const auto timeout =
-        arguments.has('t') ? numberOf(arguments.timeout, "--timeout", 1) : kUsualTimeout;
+    const auto timeout = arguments.seconds('t', "2");
     if (!timeout) {
         return kUsageError;
     }
-    const int32_t status = CML_getHostAvailable(host.c_str(), *timeout, arguments.port.c_str());
-    if (arguments.has('j')) {
-        printJson(Json{{"host", host}, {"available", status == 0}});
-    } else {
-        print(host + " " + outcomeOf(status) + "\n");
-    }
+    const int32_t status = CML_getHostAvailable(host.c_str(), *timeout, port.c_str());
+    const Json told = {{"host", host}, {"available", status == 0}};
+    print(arguments.has('j') ? jsonText(told) : host + " " + outcomeOf(status) + "\n");
     return status == 0 ? kDone : kFailed;
 }

@@ -3,66 +3,21 @@
 #include <unistd.h>
 
 #include <bit>
-#include <chrono>
 #include <cstdio>
-#include <cstdlib>
-#include <exception>
-#include <memory>
+#include <filesystem>
 
-#include "measure.h"
+#include "commands.h"
 #include "report.h"
 #include "table.h"
-#include "terminal.h"
 
 namespace {
 
-struct FreeNames {
-    void operator()(char** names) const {
-        for (char** name = names; *name != nullptr; ++name) {
-            std::free(*name);
-        }
-        std::free(names);
-    }
-};
-
-// Tells on a terminal how far a long task has come; the line is gone in the end.
-class Progress {
-  public:
-    explicit Progress(size_t all) : total(all) {}
-    ~Progress() {
-        if (shown) {
-            std::fprintf(stderr, "\r%40s\r", "");
-        }
-    }
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-    void tell(size_t done) {
-        const auto now = std::chrono::steady_clock::now();
-        if (now >= next && isTerminal() && isatty(STDERR_FILENO) == 1) {
-            std::fprintf(stderr, "\rReading port %zu of %zu", done + 1, total);
-            shown = true;
-            next = now + kPause;
-        }
-    }
-
-  private:
-    static constexpr std::chrono::milliseconds kPause{300};
-    size_t total;
-    bool shown = false;
-    std::chrono::steady_clock::time_point next = std::chrono::steady_clock::now() + kPause;
-};
-
-Json orNull(const char* text) {
-    return *text == '\0' ? Json() : Json(text);
-}
-
 // The library's 0 can stand for no traffic, for 2 GiB and more, and for a failure.
-Json orNull(int32_t bytes) {
+Json counted(int32_t bytes) {
     return bytes == 0 ? Json() : Json(bytes);
 }
 
-const char* stateOf(const char* port) {
+std::string stateOf(const char* port) {
     CML_NetworkPortStatus status;
     if (CML_getNetworkPortStatus(port, &status) == 0) {
         return "gone";
@@ -86,94 +41,81 @@ Json readPort(const char* port) {
             {"ipv4_gateway", routed ? orNull(CML_getNetworkPortIPv4Gateway(port)) : Json()},
             {"ipv6_address", orNull(CML_getNetworkPortIPv6Address(port))},
             {"mac_address", orNull(CML_getNetworkPortMACAddress(port))},
-            {"rx_bytes", orNull(received)},
-            {"tx_bytes", orNull(sent)}};
+            {"rx_bytes", counted(received)},
+            {"tx_bytes", counted(sent)}};
 }
 
-// The length of the prefix that a mask such as "255.255.255.0" stands for.
-int prefixLength(const std::string& mask) {
-    in_addr bits{};
-    inet_aton(mask.c_str(), &bits);
-    return std::popcount(bits.s_addr);
-}
-
-Cell stateCell(const Json& port) {
-    const std::string state = port["state"];
-    return {state, state == "up" ? kGreen : state == "no link" ? kYellow : kDim};
-}
-
-Cell ipv4Cell(const Json& port) {
-    const Json& mask = port["ipv4_mask"];
-    if (mask.is_null()) {
-        return cellOf(port["ipv4_address"]);
+// Tells on a terminal how far a long reading has come.
+void tellProgress(size_t done, size_t all) {
+    constexpr size_t kMany = 20;
+    if (all < kMany || !isTerminal() || isatty(STDERR_FILENO) != 1) {
+        return;
     }
-    return port["ipv4_address"].get<std::string>() + "/" + std::to_string(prefixLength(mask));
+    const std::string text =
+        "Reading port " + std::to_string(done + 1) + " of " + std::to_string(all);
+    std::fprintf(stderr, "%s\r", done < all ? text.c_str() : std::string(text.size(), ' ').c_str());
+}
+
+// The state, and the address with the length of the prefix that a mask such as "255.255.255.0" has.
+Row frontOf(const Json& port) {
+    const std::string state = port["state"];
+    const Cell address(port["ipv4_address"]);
+    in_addr mask{};
+    const bool known = inet_aton(Cell(port["ipv4_mask"]).text.c_str(), &mask) != 0;
+    return {Cell(port["name"]),
+            {state, state == "up"        ? kGreen
+                    : state == "no link" ? kYellow
+                                         : kDim},
+            known ? address.text + "/" + std::to_string(std::popcount(mask.s_addr)) : address};
 }
 
 Cell trafficCell(const Json& bytes) {
-    return bytes.is_null() ? Cell("0 or >2GiB", kDim) : sizeCell(bytes);
+    return bytes.is_null() ? Cell("0 or >2GiB", kDim) : Cell(sizeText(bytes));
 }
 
 Cell rateCell(const Json& rate) {
-    return rate.is_null() ? cellOf(rate) : Cell(sizeText(rate.get<double>()) + "/s");
+    return rate.is_null() ? Cell(rate) : Cell(sizeText(rate) + "/s");
 }
 
-// What changes, in a line for each port.
-std::string showWatched(const Json& ports) {
-    Table table({"Port", "State", "IPv4", ">In", ">Out", "Last minute"});
-    for (const Json& port : ports) {
-        table.add({cellOf(port["name"]), stateCell(port), ipv4Cell(port),
-                   rateCell(port["rx_bytes_per_second"]), rateCell(port["tx_bytes_per_second"]),
-                   sparkline(port["history"])});
+void read(Json& report, const std::optional<Names>& ports) {
+    Json told = ports ? Json::array() : Json();
+    const size_t all = ports ? ports->size() : 0;
+    for (size_t i = 0; i < all; ++i) {
+        tellProgress(i, all);
+        told.push_back(readPort((*ports)[i].c_str()));
     }
-    return table.text();
+    tellProgress(all, all);
+    report["ports"] = told;
 }
 
-std::string showAll(const Json& ports) {
-    Table table({"Port", "State", "IPv4", "Gateway", ">Received", ">Sent", "MAC", "IPv6"});
+std::string show(const Json& report) {
+    const Json& ports = report["ports"];
+    const bool watched = !ports.empty() && ports[0].contains("history");
+    std::vector<Row> rows;
     for (const Json& port : ports) {
-        table.add({cellOf(port["name"]), stateCell(port), ipv4Cell(port),
-                   cellOf(port["ipv4_gateway"]), trafficCell(port["rx_bytes"]),
-                   trafficCell(port["tx_bytes"]), cellOf(port["mac_address"]),
-                   cellOf(port["ipv6_address"])});
+        Row& row = rows.emplace_back(frontOf(port));
+        const Row back =
+            watched ? Row{rateCell(port["rx_bytes_per_second"]),
+                          rateCell(port["tx_bytes_per_second"]), sparkline(port["history"])}
+                    : Row{Cell(port["ipv4_gateway"]), trafficCell(port["rx_bytes"]),
+                          trafficCell(port["tx_bytes"]), Cell(port["mac_address"]),
+                          Cell(port["ipv6_address"])};
+        row.insert(row.end(), back.begin(), back.end());
     }
-    return table.text();
+    const Names now = {"Port", "State", "IPv4", ">In", ">Out", "Course"};
+    const Names all = {"Port", "State", "IPv4", "Gateway", ">Received", ">Sent", "MAC", "IPv6"};
+    return title("Network ports") + tableOf(watched ? now : all, rows);
 }
 
 }  // namespace
 
-Ports portNames() {
-    std::vector<std::string> ports;
+std::optional<Names> portNames() {
     try {
-        const std::unique_ptr<char*, FreeNames> names(CML_getNetworkPortsList(0));
-        for (char** name = names.get(); name != nullptr && *name != nullptr; ++name) {
-            ports.emplace_back(*name);
-        }
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "console-status: the ports can't be listed: %s\n", failure.what());
+        return take(CML_getNetworkPortsList(0));
+    } catch (const std::filesystem::filesystem_error& failure) {
+        fail(std::string("the ports can't be listed: ") + failure.what());
         return std::nullopt;
     }
-    return ports;
 }
 
-void readPorts(Json& report, const Ports& ports) {
-    Json& told = report["ports"];
-    if (!ports) {
-        return;
-    }
-    told = Json::array();
-    Progress progress(ports->size());
-    for (const std::string& port : *ports) {
-        progress.tell(told.size());
-        told.push_back(readPort(port.c_str()));
-    }
-}
-
-std::string showPorts(const Json& report) {
-    const Json& ports = report["ports"];
-    if (ports.is_null()) {
-        return title("Network ports") + paragraph({"can't be listed", kYellow});
-    }
-    const bool watched = !ports.empty() && ports[0].contains("history");
-    return title("Network ports") + (watched ? showWatched(ports) : showAll(ports));
-}
+const Section kPortsSection = {"ports", true, read, show};

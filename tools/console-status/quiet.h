@@ -6,22 +6,18 @@
 
 class Quiet {
   public:
-    Quiet() : kept(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3)) {
+    Quiet() {
         const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        if (kept >= 0 && nowhere >= 0) {
-            dup2(nowhere, STDERR_FILENO);
-        }
+        dup2(nowhere, STDERR_FILENO);
         close(nowhere);
     }
     ~Quiet() {
-        if (kept >= 0) {
-            dup2(kept, STDERR_FILENO);
-            close(kept);
-        }
+        dup2(kept, STDERR_FILENO);
+        close(kept);
     }
     Quiet(const Quiet&) = delete;
     Quiet& operator=(const Quiet&) = delete;
 
   private:
-    int kept;
+    int kept = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
 };

@@ -2,72 +2,187 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <iomanip>
+#include <sstream>
+#include <utility>
 
 #include "commands.h"
-#include "watch.h"
+#include "table.h"
 
 namespace {
 
-constexpr Section kSections[] = {
-    {"settings", false, [](Json& report, const Ports&) { readSettings(report); }, showSettings},
-    {"device", false, [](Json& report, const Ports&) { readDevice(report); }, showDevice},
-    {"ports", true, readPorts, showPorts},
-    {"wifi", true, readWifi, showWifi},
-};
+using Clock = std::chrono::steady_clock;
+using Sections = std::vector<const Section*>;
 
-// All, or the one of that name. What --watch shows of all is what changes by itself.
-std::span<const Section> chosen(const Arguments& arguments) {
-    const std::span<const Section> all = kSections;
-    if (arguments.words.empty()) {
-        return arguments.has('w') ? all.subspan(1) : all;
+constexpr size_t kMostHistory = 20;
+
+// The one that is named, or all. What --watch shows of all is what changes by itself.
+Sections sectionsOf(const Arguments& arguments) {
+    Sections sections;
+    for (const Section* section :
+         {&kSettingsSection, &kDeviceSection, &kPortsSection, &kWifiSection}) {
+        const bool isLive = section != &kSettingsSection;
+        if (arguments.words.empty() ? isLive || !arguments.has('w')
+                                    : arguments.words[0] == section->name) {
+            sections.push_back(section);
+        }
     }
-    const auto found = std::ranges::find(all, arguments.words[0], &Section::name);
-    return {found, 1};
+    return sections;
 }
 
-bool hasError(const Json& told) {
-    return std::ranges::any_of(told.items(), [](const auto& item) {
-        return (item.key() == "error" && !item.value().is_null()) ||
-               (item.value().is_structured() && hasError(item.value()));
-    });
-}
-
-}  // namespace
-
-Json readReport(std::span<const Section> sections) {
+Json read(const Sections& sections) {
     Json report;
-    const bool needed = std::ranges::any_of(sections, &Section::needsPorts);
-    const Ports ports = needed ? portNames() : std::nullopt;
-    for (const Section& section : sections) {
-        section.read(report, ports);
+    const bool needed = std::ranges::any_of(sections, &Section::usesPorts);
+    const auto ports = needed ? portNames() : std::nullopt;
+    for (const Section* section : sections) {
+        section->read(report, ports);
     }
     return report;
 }
 
-std::string showReport(std::span<const Section> sections, const Json& report) {
+std::string textOf(const Sections& sections, const Json& report) {
     std::string text;
-    for (const Section& section : sections) {
-        text += section.show(report);
+    for (const Section* section : sections) {
+        text += section->show(report);
     }
     return text;
 }
 
-bool isIncomplete(const Json& report) {
-    return std::ranges::any_of(report, &Json::is_null) || hasError(report);
+int statusOf(const Json& report) {
+    const Json flat = report.flatten();
+    const bool complete = std::ranges::none_of(flat.items(), [](const auto& item) {
+        return item.key().ends_with("/error") && !item.value().is_null();
+    });
+    return complete && std::ranges::none_of(report, &Json::is_null) ? kDone : kFailed;
+}
+
+double orZero(const Json& number) {
+    return number.is_null() ? 0 : number.get<double>();
+}
+
+// The course of a figure goes on from that of the report before.
+void addHistory(Json& now, Json& before, double figure) {
+    Json& history = now["history"] = std::exchange(before["history"], nullptr);
+    history.push_back(figure);
+    if (history.size() > kMostHistory) {
+        history.erase(0);
+    }
+}
+
+// Adds to a report what the ones before tell: rates, and the course of load and traffic. A rate is
+// null where one of the counts is unknown, or began anew.
+void addPast(Json& report, Json& past, double seconds) {
+    std::map<std::string, Json> before;
+    for (const Json& port : past["ports"]) {
+        before[port["name"]] = port;
+    }
+    for (Json& port : report.contains("ports") ? report["ports"] : past["none"]) {
+        Json& was = before[port["name"]];
+        double traffic = 0;
+        for (const std::string way : {"rx_bytes", "tx_bytes"}) {
+            const double rate = (orZero(port[way]) - orZero(was[way])) / seconds;
+            const bool known = !was[way].is_null() && !port[way].is_null() && rate >= 0;
+            traffic += known ? rate : 0;
+            port[way + "_per_second"] = known ? Json(rate) : Json();
+        }
+        addHistory(port, was, traffic);
+    }
+    if (report.contains("device")) {
+        Json& load = report["device"]["load"];
+        addHistory(load, past["device"]["load"], orZero(load["all"]));
+    }
+}
+
+std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*)) {
+    const std::time_t now = std::time(nullptr);
+    std::ostringstream text;
+    text << std::put_time(split(&now), pattern);
+    return text.str();
+}
+
+// From the terminal's first line on, each line up to its end; what doesn't fit is left out.
+std::string screenOf(const std::string& text) {
+    std::string screen = "\033[H";
+    size_t left = terminalRows() - 1;
+    for (size_t start = 0, end = 0; left > 0 && start < text.size(); --left, start = end + 1) {
+        end = text.find('\n', start);
+        const bool more = left == 1 && end + 1 < text.size();
+        screen += (more ? "  ..." : text.substr(start, end - start)) + "\033[K\n";
+    }
+    return screen + "\033[J";
+}
+
+// The signal that came before the time, or 0; the signals must be blocked. A stop of the process
+// ends the wait, too.
+int signalBefore(Clock::time_point time, const sigset_t& signals) {
+    const auto left = std::max(time - Clock::now(), Clock::duration::zero());
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(left);
+    const timespec timeout{static_cast<std::time_t>(seconds.count()),
+                           static_cast<long>(std::chrono::nanoseconds(left - seconds).count())};
+    return std::max(sigtimedwait(&signals, nullptr, &timeout), 0);
+}
+
+// Shows the sections again and again until SIGINT comes; a report that has begun is finished.
+int watch(const Sections& sections, std::chrono::seconds interval, bool asJson) {
+    const bool inPlace = !asJson && obeysSequences();
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, inPlace ? SIGWINCH : SIGINT);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    print(std::string(inPlace ? terminalRows() : 0, '\n'));  // keeps what is on the screen
+    Json report;
+    auto time = Clock::now();
+    for (int signal = 0; signal != SIGINT;) {
+        if (signal == 0) {
+            Json past = std::exchange(report, read(sections));
+            const std::chrono::duration<double> passed =
+                Clock::now() - std::exchange(time, Clock::now());
+            addPast(report, past, passed.count());
+        }
+        Json line = {{"time", timeText("%FT%TZ", std::gmtime)}};
+        line.update(report);
+        const std::string text =
+            timeText("%F %T   Ctrl-C ends\n", std::localtime) + textOf(sections, report);
+        print(asJson ? jsonText(line, -1) : inPlace ? screenOf(text) : "\n" + text);
+        signal = std::fflush(stdout) == 0 ? signalBefore(time + interval, signals) : SIGINT;
+    }
+    print(inPlace ? "\n" : "");
+    return statusOf(report);
+}
+
+}  // namespace
+
+Names take(char** list) {
+    Names texts;
+    for (char** text = list; text != nullptr && *text != nullptr; ++text) {
+        texts.emplace_back(*text);
+        std::free(*text);
+    }
+    std::free(list);
+    return texts;
+}
+
+Json orNull(const char* text) {
+    return text == nullptr || *text == '\0' ? Json() : Json(text);
+}
+
+std::string jsonText(const Json& json, int indent) {
+    return json.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 int reportSections(const Arguments& arguments) {
-    const auto sections = chosen(arguments);
+    const Sections sections = sectionsOf(arguments);
+    const bool asJson = arguments.has('j');
     if (arguments.has('w')) {
-        const auto seconds = numberOf(arguments.seconds, "--watch", 1);
-        return seconds ? watch(sections, std::chrono::seconds(*seconds), arguments.has('j'))
-                       : kUsageError;
+        const auto seconds = arguments.seconds('w', "");
+        return seconds ? watch(sections, std::chrono::seconds(*seconds), asJson) : kUsageError;
     }
-    const Json report = readReport(sections);
-    if (arguments.has('j')) {
-        printJson(report);
-    } else {
-        print(showReport(sections, report));
-    }
-    return isIncomplete(report) ? kFailed : kDone;
+    const Json report = read(sections);
+    print(asJson ? jsonText(report) : textOf(sections, report));
+    return statusOf(report);
 }

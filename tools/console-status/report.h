@@ -1,44 +1,39 @@
-// The sections of the report. Each reads what it shows into JSON, which is either written as it is
-// or shown to people.
-//
-// What isn't there is null. An "error" that isn't null, at whatever depth, tells that something
-// couldn't be read, and so does a section that is null as a whole.
+// The report. Each section reads what it shows into JSON, which is either written as it is or shown
+// to people.
 #pragma once
 
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
 using Json = nlohmann::ordered_json;  // the keys in the order in which they are written here
-
-// The device's network ports; nothing, after a message on stderr, if they can't be listed.
-using Ports = std::optional<std::vector<std::string>>;
-Ports portNames();
-
-// They add their keys to those of the report.
-void readSettings(Json& report);
-void readPorts(Json& report, const Ports& ports);
-void readWifi(Json& report, const Ports& ports);
-void readDevice(Json& report);
-
-// With a heading. They get what was read; --watch adds rates to it, and a "history" of the last
-// minute as ratios, with which they show what changes alone.
-std::string showSettings(const Json& report);
-std::string showPorts(const Json& report);
-std::string showWifi(const Json& report);
-std::string showDevice(const Json& report);
+using Names = std::vector<std::string>;
 
 struct Section {
     const char* name;
-    bool needsPorts;
-    void (*read)(Json& report, const Ports& ports);
+    bool usesPorts;
+    // Adds its keys. What isn't there is null. An "error" that
+    // isn't null, at whatever depth, tells that something couldn't be read, and so does a section
+    // that is null as a whole.
+    void (*read)(Json& report, const std::optional<Names>& ports);
+    // With a heading. Gets what was read; --watch adds rates to it, and a "history" of the last
+    // minute, with which it shows what changes alone.
     std::string (*show)(const Json& report);
 };
+extern const Section kSettingsSection;
+extern const Section kDeviceSection;
+extern const Section kPortsSection;
+extern const Section kWifiSection;
 
-Json readReport(std::span<const Section> sections);
-std::string showReport(std::span<const Section> sections, const Json& report);
+// The device's network ports; nothing, after a message on stderr, if they can't be listed.
+std::optional<Names> portNames();
 
-// Whether something couldn't be read.
-bool isIncomplete(const Json& report);
+// The texts of a list that the library has made; frees it.
+Names take(char** list);
+
+// Null of an empty text or none.
+Json orNull(const char* text);
+
+// As JSON; several lines if indent isn't -1.
+std::string jsonText(const Json& json, int indent = 2);

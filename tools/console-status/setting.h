@@ -17,11 +17,11 @@ struct Database {
 extern const Database kPersistent;
 extern const Database kVolatile;
 
-// Why a database can't be used, as a sentence; nothing if it can.
-std::optional<std::string> troubleOf(const Database& database);
+// Why something on a database fails, as far as the file system tells.
+std::string whyUnusable(const Database& database);
 
-// What a result of the library that isn't 0 means.
-std::string meaningOf(int32_t result);
+// That as a sentence, or nothing if the database can be used.
+std::optional<std::string> troubleOf(const Database& database);
 
 // A number that has a name.
 struct Word {
@@ -54,17 +54,17 @@ struct Setting {
 };
 
 // Settings first, then lists.
-const std::vector<Setting>& settings();
+extern const std::vector<Setting> kSettings;
 
 // The number's word; null where it has none.
 Json wordOf(const Setting& setting, const Json& value);
 
-// As people read it.
-std::string textOf(const Setting& setting, const Json& value);
+// The nodes of a list with their values; null if it can't be read.
+Json nodesOf(const Setting& list);
 
-// What the report has of a setting or list; nothing of what is stored if its database is unusable.
-Json readSetting(const Setting& setting, bool usable, const char* node = "");
-Json readList(const Setting& list, bool usable);
+// What the report has of a setting, a list or, if node isn't null, a node of it: "value" or "nodes"
+// comes first, and is null if the database isn't usable or can't be read.
+Json readSetting(const Setting& setting, bool usable, const char* node = nullptr);
 
-// The nodes of a list with their values.
-std::string showNodes(const Setting& list, const Json& nodes);
+// The word of what readSetting gives, or the value where there is none.
+std::string textOf(const Json& told);

@@ -1,10 +1,9 @@
 #include "table.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cwchar>
 #include <string_view>
-
-#include "terminal.h"
 
 namespace {
 
@@ -12,13 +11,8 @@ constexpr size_t kIndentBelow = 6;
 // The least room in which a wrapped text stands beside others.
 constexpr size_t kLeastRoom = 20;
 
-struct Character {
-    size_t bytes;
-    int columns;  // -1 if it can't be shown
-};
-
-// The first character of a text that isn't empty.
-Character first(std::string_view text) {
+// The bytes of a text's first character, and its columns: -1 if it can't be shown.
+std::pair<size_t, int> firstOf(std::string_view text) {
     std::mbstate_t state{};
     wchar_t character = 0;
     const size_t bytes = std::mbrtowc(&character, text.data(), text.size(), &state);
@@ -26,148 +20,132 @@ Character first(std::string_view text) {
     return {valid ? bytes : 1, valid ? wcwidth(character) : -1};
 }
 
-// How many bytes of a text fit so many columns, one character at least.
-size_t bytesWithin(std::string_view text, size_t columns) {
-    size_t bytes = 0;
-    for (size_t used = 0; bytes < text.size();) {
-        const Character next = first(text.substr(bytes));
-        used += static_cast<size_t>(std::max(next.columns, 0));
-        if (used > columns && bytes > 0) {
-            break;
+// How many bytes of a text stand in a line of so many columns, up to a blank if there is one.
+size_t lineEnd(std::string_view text, size_t columns) {
+    size_t end = 0;
+    for (size_t used = 0; end < text.size();) {
+        const auto [bytes, width] = firstOf(text.substr(end));
+        used += static_cast<size_t>(std::max(width, 0));
+        if (used > columns && end > 0) {
+            const size_t blank = text.rfind(' ', end);
+            return blank != std::string_view::npos && blank > 0 ? blank : end;
         }
-        bytes += next.bytes;
+        end += bytes;
     }
-    return bytes;
+    return end;
 }
 
-// Broken at blanks where there are any. Never without a line.
-std::vector<std::string> wrapped(std::string_view text, size_t columns) {
-    std::vector<std::string> lines;
-    do {
-        size_t end = bytesWithin(text, columns);
-        const size_t blank = text.rfind(' ', end);
-        if (end < text.size() && blank != std::string_view::npos && blank > 0) {
-            end = blank;
-        }
-        lines.emplace_back(text.substr(0, end));
-        text.remove_prefix(std::min(text.find_first_not_of(' ', end), text.size()));
-    } while (!text.empty());
-    return lines;
-}
-
-// Each line of a cell's text after the first begins below it.
-std::string wrappedBelow(const Cell& cell, size_t indent, size_t columns) {
-    const size_t room = columns > indent + 1 ? columns - indent : 1;
+// Wrapped at the terminal's end, each further line below the first.
+std::string wrapped(const Cell& cell, size_t indent) {
+    const size_t columns = terminalColumns();
+    const size_t room = columns > indent ? columns - indent : 1;
     std::string text;
-    for (const std::string& line : wrapped(cell.text, room)) {
-        text += (text.empty() ? "" : "\n" + std::string(indent, ' ')) + styled(cell.style, line);
+    for (std::string_view rest = cell.text; !rest.empty();) {
+        const size_t end = lineEnd(rest, room);
+        text += text.empty() ? "" : "\n" + std::string(indent, ' ');
+        text += styled(cell.style, std::string(rest.substr(0, end)));
+        rest.remove_prefix(std::min(rest.find_first_not_of(' ', end), rest.size()));
     }
     return text;
 }
 
-std::string withoutBlanksAtEnd(std::string line) {
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line + "\n";
+// How many columns fit the terminal, one at least.
+size_t countOf(const std::vector<size_t>& widths, bool lastWraps) {
+    size_t left = terminalColumns();
+    for (size_t i = 0; i < widths.size(); ++i) {
+        const bool wraps = lastWraps && i + 1 == widths.size();
+        const size_t need = 2 + (wraps ? std::min(widths[i], kLeastRoom) : widths[i]);
+        if (need > left) {
+            return std::max<size_t>(i, 1);
+        }
+        left -= need;
+    }
+    return widths.size();
+}
+
+std::string lineOf(const Row& row, const std::vector<size_t>& widths, const Names& headings) {
+    std::string text;
+    size_t used = 0;
+    for (size_t i = 0; i < widths.size(); ++i) {
+        const std::string blanks(widths[i] - row[i].width, ' ');
+        const std::string cell = wrapped(row[i], used + 2);
+        text += "  " + (headings[i].starts_with('>') ? blanks + cell : cell + blanks);
+        used += 2 + widths[i];
+    }
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text.empty() ? "" : text + "\n";
+}
+
+// The cells from one on with their headings, as many in a line as fit.
+std::string linesBelow(const Row& row, size_t from, const Row& headings) {
+    std::string text;
+    size_t left = 0;
+    for (size_t i = from; i < row.size(); ++i) {
+        if (row[i].width == 0 || row[i].text == "-") {
+            continue;
+        }
+        const std::string label =
+            headings[i].text + std::string(headings[i].width > 0 ? 1 : 0, ' ');
+        const bool fits = left >= 3 + label.size() + row[i].width;
+        text += fits ? "   " : "\n" + std::string(kIndentBelow, ' ');
+        left = fits ? left - 3 : terminalColumns() - kIndentBelow;
+        text += styled(kDim, label) + wrapped(row[i], terminalColumns() - left + label.size());
+        left -= std::min(label.size() + row[i].width, left);
+    }
+    return text.empty() ? "" : text.substr(1) + "\n";
 }
 
 }  // namespace
 
 Cell::Cell(const std::string& cellText, const char* cellStyle) : style(cellStyle) {
     for (std::string_view rest = cellText; !rest.empty();) {
-        const Character next = first(rest);
-        text += next.columns < 0 ? "?" : rest.substr(0, next.bytes);
-        width += next.columns < 0 ? 1 : static_cast<size_t>(next.columns);
-        rest.remove_prefix(next.bytes);
+        const auto [bytes, columns] = firstOf(rest);
+        text += columns < 0 ? "?" : rest.substr(0, bytes);
+        width += columns < 0 ? 1 : static_cast<size_t>(columns);
+        rest.remove_prefix(bytes);
     }
 }
 
-Table::Table(const std::vector<std::string>& headings) : widths(headings.size()) {
-    Row row;
+Cell::Cell(const Json& value)
+    : Cell(value.is_null()     ? "-"
+           : value.is_string() ? value.get<std::string>()
+                               : value.dump(),
+           value.is_null() ? kDim : nullptr) {}
+
+std::string tableOf(const Names& headings, const std::vector<Row>& rows) {
+    Row front;
+    std::vector<size_t> widths;
     for (const std::string& heading : headings) {
-        flushRight.push_back(heading.starts_with('>'));
-        row.emplace_back(heading.substr(flushRight.back() ? 1 : 0), kBold);
-    }
-    add(std::move(row));
-}
-
-void Table::add(Row row) {
-    row.resize(widths.size(), "");
-    for (size_t i = 0; i < row.size(); ++i) {
-        widths[i] = std::max(widths[i], row[i].width);
-    }
-    rows.push_back(std::move(row));
-}
-
-size_t Table::columnsThatFit(size_t columns) const {
-    size_t used = 0;
-    size_t count = 0;
-    for (; count < widths.size(); ++count) {
-        const bool canWrap = count + 1 == widths.size() && !flushRight[count];
-        const size_t need = canWrap ? std::min(widths[count], kLeastRoom) : widths[count];
-        if (used + 2 + need > columns) {
-            break;
+        front.emplace_back(heading.substr(heading.starts_with('>') ? 1 : 0), kBold);
+        size_t width = front.back().width;
+        for (const Row& row : rows) {
+            width = std::max(width, row[widths.size()].width);
         }
-        used += 2 + widths[count];
+        widths.push_back(width);
     }
-    return std::max<size_t>(count, 1);
-}
-
-std::string Table::line(const Row& row, size_t count, size_t columns) const {
-    std::string line;
-    size_t used = 0;
-    for (size_t i = 0; i < count; ++i) {
-        const std::string blanks(widths[i] - row[i].width, ' ');
-        const std::string text = wrappedBelow(row[i], used + 2, columns);
-        line += "  " + (flushRight[i] ? blanks + text : text + blanks);
-        used += 2 + widths[i];
-    }
-    return withoutBlanksAtEnd(line);
-}
-
-std::string Table::below(const Row& row, size_t from) const {
-    std::vector<std::pair<Cell, Cell>> pairs;
-    for (size_t i = from; i < row.size(); ++i) {
-        if (row[i].width > 0 && row[i].text != "-") {
-            pairs.emplace_back(Cell(rows.front()[i].text, kDim), row[i]);
-        }
-    }
-    return flow(pairs, kIndentBelow);
-}
-
-std::string Table::text() const {
-    const size_t columns = terminalColumns();
-    const size_t count = columnsThatFit(columns);
-    std::string text;
+    widths.resize(countOf(widths, !headings.back().starts_with('>')));
+    std::string text = lineOf(front, widths, headings);
     for (const Row& row : rows) {
-        const bool isHeading = &row == &rows.front();
-        const std::string rowText = line(row, count, columns);
-        text += isHeading && rowText == "\n" ? "" : rowText;
-        text += isHeading ? "" : below(row, count);
+        text += lineOf(row, widths, headings) + linesBelow(row, widths.size(), front);
     }
     return text;
 }
 
-std::string flow(const std::vector<std::pair<Cell, Cell>>& pairs, size_t indent) {
-    const size_t columns = terminalColumns();
-    const std::string newLine = "\n" + std::string(indent, ' ');
-    std::string text;
-    size_t used = columns;
-    for (const auto& [name, value] : pairs) {
-        const size_t label = name.width + (name.width > 0 ? 1 : 0);
-        const bool fits = columns - used >= 3 + label + value.width;
-        text += fits ? "   " : newLine;
-        used = (fits ? used + 3 : indent) + label;
-        text += styled(name.style, name.text) + (label > 0 ? " " : "");
-        text += wrappedBelow(value, used, columns);
-        used = std::min(used + value.width, columns);
-    }
-    return text.empty() ? "" : text.substr(1) + "\n";
-}
-
 std::string paragraph(const Cell& cell) {
-    return "  " + wrappedBelow(cell, 2, terminalColumns()) + "\n";
+    return "  " + wrapped(cell, 2) + "\n";
 }
 
 std::string title(const std::string& text) {
     return "\n" + styled(kBold, text) + "\n";
+}
+
+std::string sizeText(double bytes) {
+    constexpr const char* kUnits[] = {"B", "KiB", "MiB", "GiB", "TiB"};
+    size_t unit = 0;
+    for (; std::round(bytes * 10) >= 10240 && unit < 4; ++unit) {
+        bytes /= 1024;
+    }
+    char text[32];
+    std::snprintf(text, sizeof text, "%.*f %s", unit == 0 ? 0 : 1, bytes, kUnits[unit]);
+    return text;
 }

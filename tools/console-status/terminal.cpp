@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdint>
@@ -19,30 +20,18 @@ std::string variable(const char* name) {
     return value != nullptr ? value : "";
 }
 
-size_t sizeOr(unsigned short told, const char* name, size_t fallback) {
-    const int set = std::atoi(variable(name).c_str());
-    return told > 0 ? told : set > 0 ? static_cast<size_t>(set) : fallback;
+// A serial line has no size of its own.
+size_t sizeOr(unsigned short told, const char* name, size_t usual) {
+    const std::string text = variable(name);
+    size_t size = 0;
+    std::from_chars(text.data(), text.data() + text.size(), size);
+    return told > 0 ? told : size > 0 ? size : usual;
 }
 
 winsize toldSize() {
     winsize size{};
     ioctl(STDOUT_FILENO, TIOCGWINSZ, &size);
     return size;
-}
-
-// The whole steps, from 0 to the highest, of a ratio; 0 of a NaN.
-size_t steps(double ratio, size_t highest) {
-    return ratio > 0 ? static_cast<size_t>(
-                           std::lround(std::min(ratio, 1.0) * static_cast<double>(highest)))
-                     : 0;
-}
-
-std::string repeated(const char* character, size_t times) {
-    std::string text;
-    while (times-- > 0) {
-        text += character;
-    }
-    return text;
 }
 
 }  // namespace
@@ -56,12 +45,11 @@ void setUpTerminal() {
 }
 
 bool isTerminal() {
-    static const bool terminal = isatty(STDOUT_FILENO) == 1;
-    return terminal;
+    return isatty(STDOUT_FILENO) == 1;
 }
 
 bool obeysSequences() {
-    static const std::string type = variable("TERM");
+    const std::string type = variable("TERM");
     return isTerminal() && !type.empty() && type != "dumb";
 }
 
@@ -75,25 +63,27 @@ size_t terminalRows() {
 
 std::string styled(const char* style, const std::string& text) {
     static const bool able = obeysSequences() && variable("NO_COLOR").empty();
-    if (!able || style == nullptr || text.empty()) {
-        return text;
-    }
-    return std::string("\033[") + style + "m" + text + "\033[0m";
+    const bool plain = !able || style == nullptr || text.empty();
+    return plain ? text : std::string("\033[") + style + "m" + text + "\033[0m";
 }
 
 std::string bar(double ratio, size_t columns) {
-    const size_t filled = steps(ratio, columns);
-    return repeated(drawsUnicode ? "\u2588" : "#", filled) +
-           repeated(drawsUnicode ? "\u2591" : ".", columns - filled);
+    std::string text;
+    for (size_t i = 0; i < columns; ++i) {
+        const bool filled = ratio * static_cast<double>(columns) >= static_cast<double>(i) + 0.5;
+        text += drawsUnicode ? (filled ? "\u2588" : "\u2591") : (filled ? "#" : ".");
+    }
+    return text;
 }
 
-std::string sparkline(const std::vector<double>& ratios) {
-    constexpr const char* kBlocks[] = {"\u2581", "\u2582", "\u2583", "\u2584",
-                                       "\u2585", "\u2586", "\u2587", "\u2588"};
-    constexpr const char* kSigns[] = {"_", ".", ":", "-", "=", "+", "*", "#"};
-    std::string line;
-    for (const double ratio : ratios) {
-        line += (drawsUnicode ? kBlocks : kSigns)[steps(ratio, 7)];
+std::string sparkline(const std::vector<double>& values) {
+    const double highest = std::max(1.0, *std::ranges::max_element(values));
+    std::string text;
+    for (const double value : values) {
+        // From U+2581 on there are eight blocks, each higher than the one before.
+        const auto step = std::lround(7 * value / highest);
+        text += drawsUnicode ? std::string("\xe2\x96") + static_cast<char>(0x81 + step)
+                             : std::string(1, "_.:-=+*#"[step]);
     }
-    return line;
+    return text;
 }

@@ -24,7 +24,7 @@ constexpr const char* kGreen = "32";
 constexpr const char* kYellow = "33";
 std::string styled(const char* style, const std::string& text);
 
-// A ratio of 0 to 1 as a bar of so many columns, and a row of such ratios as one column each. Both
-// are of ASCII where the locale isn't one of UTF-8.
+// A ratio of 0 to 1 as a bar, and the course of a figure, as parts of its highest or of 1. Both are
+// of ASCII where the locale isn't one of UTF-8.
 std::string bar(double ratio, size_t columns);
-std::string sparkline(const std::vector<double>& ratios);
+std::string sparkline(const std::vector<double>& values);

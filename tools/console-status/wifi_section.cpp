@@ -1,146 +1,178 @@
 #include <console-manager/wifi.h>
-#include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <functional>
+#include <memory>
 
-#include "access_point.h"
-#include "measure.h"
+#include "commands.h"
 #include "report.h"
 #include "table.h"
-#include "terminal.h"
 
 namespace {
 
-bool isWireless(const std::string& port) {
-    return std::filesystem::exists("/sys/class/net/" + port + "/phy80211");
+constexpr int32_t kMostNetworks = 2000;
+
+bool isJoined(int32_t status) {
+    return status == CML_BSS_STATUS_ASSOCIATED || status == CML_BSS_STATUS_IBSS_JOINED;
 }
 
-// Of a station to which the port has no link all is null.
+std::string textOf(const uint8_t (&bssid)[6]) {
+    char text[18];
+    std::snprintf(text, sizeof text, "%02x:%02x:%02x:%02x:%02x:%02x", bssid[0], bssid[1], bssid[2],
+                  bssid[3], bssid[4], bssid[5]);
+    return text;
+}
+
+// Of a station to which the port has no link all but connected is null.
 Json linkOf(const wifi_station_record& station) {
     const bool connected = isJoined(station.status);
     const auto known = [&](const Json& value) { return connected ? value : Json(); };
     return {{"connected", connected},
-            {"ssid", *station.ssid != '\0' ? known(station.ssid) : Json()},
-            {"bssid", known(bssidText(station.bssid))},
+            {"ssid", known(orNull(station.ssid))},
+            {"bssid", known(textOf(station.bssid))},
             {"signal_dbm", known(station.signal_dbm)},
             {"rx_packets", known(station.rx_packets)},
             {"tx_packets", known(station.tx_packets)}};
 }
 
-wifi_station_record withoutLink() {
+// Asks in a process that ends, as most failures of Wi-Fi end it anyhow. The answer follows what the
+// library says on stderr, in a line of its own.
+[[noreturn]] void answer(const char* port) {
     wifi_station_record station{};
     station.status = CML_BSS_STATUS_NONE;
-    return station;
-}
-
-// What the library says on stderr goes the same way; the answer is the last line, if there is one.
-[[noreturn]] void answer(const char* port, int pipeEnd) {
-    dup2(pipeEnd, STDERR_FILENO);
-    wifi_station_record station = withoutLink();
-    wifi_data* const wifi = wifi_scan_init(port);
-    if (wifi == nullptr) {
-        _exit(1);
+    if (wifi_data* const wifi = wifi_scan_init(port); wifi != nullptr) {
+        wifi_scan_station(wifi, &station);
+        std::fprintf(stderr, "\n%s", jsonText(linkOf(station), -1).c_str());
     }
-    wifi_scan_station(wifi, &station);
-    const std::string line =
-        "\n" + linkOf(station).dump(-1, ' ', false, Json::error_handler_t::replace);
-    _exit(write(pipeEnd, line.data(), line.size()) == std::ssize(line) ? 0 : 1);
-}
-
-std::string readAll(int descriptor) {
-    std::string text;
-    char piece[4096];
-    ssize_t size = 0;
-    do {
-        size = read(descriptor, piece, sizeof piece);
-        text.append(piece, static_cast<size_t>(std::max<ssize_t>(size, 0)));
-    } while (size > 0 || (size < 0 && errno == EINTR));
-    return text;
-}
-
-// Asks in a child process, because most failures of Wi-Fi end the process that asks. Gives all that
-// the child says, or why there is none.
-std::string ask(const std::string& port) {
-    // The library's exit in the child would write out once more what is in the buffer.
-    std::fflush(nullptr);
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0) {
-        return std::strerror(errno);
-    }
-    const pid_t child = fork();
-    if (child == 0) {
-        answer(port.c_str(), ends[1]);
-    }
-    std::string said = child < 0 ? std::strerror(errno) : "";
-    close(ends[1]);
-    if (child > 0) {
-        said = readAll(ends[0]);
-        waitpid(child, nullptr, 0);
-    }
-    close(ends[0]);
-    return said;
-}
-
-std::string lastLine(std::string text) {
-    text.erase(text.find_last_not_of('\n') + 1);
-    return text.substr(text.rfind('\n') + 1);
+    _exit(0);
 }
 
 Json readLink(const std::string& port) {
-    const std::string line = lastLine(ask(port));
-    const Json link = Json::parse(line, nullptr, false);
+    // The library's exit in the child would write out once more what is in the buffer.
+    std::fflush(stdout);
+    const std::unique_ptr<FILE, decltype(&std::fclose)> said(
+        fdopen(memfd_create("said", MFD_CLOEXEC), "r+"), std::fclose);
+    const pid_t child = said ? fork() : -1;
+    if (child == 0) {
+        dup2(fileno(said.get()), STDERR_FILENO);
+        answer(port.c_str());
+    }
+    std::string last = child < 0 ? std::strerror(errno) : "no answer";
+    if (child > 0) {
+        waitpid(child, nullptr, 0);
+        std::rewind(said.get());
+        for (char line[1024]; std::fgets(line, sizeof line, said.get()) != nullptr;) {
+            last = *line == '\n' ? last : std::string(line, std::strcspn(line, "\n"));
+        }
+    }
+    const Json link = Json::parse(last, nullptr, false);
     Json told = {{"port", port}};
-    told.update(link.is_object() ? link : linkOf(withoutLink()));
-    told["error"] = link.is_object() ? Json() : Json(line.empty() ? "no answer" : line);
+    told.update(link.is_object() ? link : linkOf({}));
+    told["error"] = link.is_object() ? Json() : Json(last);
     return told;
 }
 
-std::vector<Cell> rowOf(const Json& link) {
-    if (!link["error"].is_null()) {
-        return {cellOf(link["port"]), {link["error"].get<std::string>(), kYellow}};
+// A bar from -100 dBm to -50 dBm, and the figure.
+Cell signalCell(const Json& dbm) {
+    if (dbm.is_null()) {
+        return "";
     }
-    if (link["connected"] == false) {
-        return {cellOf(link["port"]), {"not connected", kDim}};
+    const double quality = (dbm.get<double>() + 100) / 50;
+    return {bar(quality, 8) + " " + std::to_string(std::lround(dbm.get<double>())) + " dBm",
+            quality > 0.5    ? kGreen
+            : quality > 0.25 ? kYellow
+                             : kRed};
+}
+
+Cell ssidCell(const Json& ssid) {
+    return ssid.is_null() ? Cell("(hidden)", kDim) : Cell(ssid);
+}
+
+// What the kernel listed, strongest first.
+Json networksOf(std::vector<wifi_bss_record> records) {
+    std::ranges::stable_sort(records, std::greater(), &wifi_bss_record::signal_mbm);
+    Json networks = Json::array();
+    for (const wifi_bss_record& record : records) {
+        networks.push_back({{"ssid", orNull(record.ssid)},
+                            {"bssid", textOf(record.bssid)},
+                            {"frequency_mhz", record.frequency},
+                            {"signal_dbm", record.signal_mbm / 100.0},
+                            {"seen_ms_ago", record.seen_ms_ago},
+                            {"joined", isJoined(record.status)}});
     }
-    const Json& dbm = link["signal_dbm"];
-    return {cellOf(link["port"]),
-            link["ssid"].is_null() ? Cell("(hidden)", kDim) : cellOf(link["ssid"]),
-            signalBar(dbm),
-            dbm.dump() + " dBm",
-            cellOf(link["bssid"]),
-            cellOf(link["rx_packets"]),
-            cellOf(link["tx_packets"])};
+    return networks;
+}
+
+std::string showNetworks(const Json& told) {
+    std::vector<Row> rows;
+    for (const Json& network : told["networks"]) {
+        rows.push_back({network["joined"] == true ? "*" : "", ssidCell(network["ssid"]),
+                        signalCell(network["signal_dbm"]), Cell(network["bssid"]),
+                        Cell(network["frequency_mhz"]), Cell(network["seen_ms_ago"])});
+    }
+    const Json& more = told["not_shown"];
+    return tableOf({"", "Network", "Signal", "Access point", ">MHz", ">Seen ms ago"}, rows) +
+           (more == 0 ? "" : paragraph(more.dump() + " more are not shown"));
+}
+
+void read(Json& report, const std::optional<Names>& ports) {
+    Json told = ports ? Json::array() : Json();
+    for (const std::string& port : ports.value_or(Names())) {
+        if (std::filesystem::exists("/sys/class/net/" + port + "/phy80211")) {
+            told.push_back(readLink(port));
+        }
+    }
+    report["wifi"] = told;
+}
+
+std::string show(const Json& report) {
+    std::vector<Row> rows;
+    for (const Json& link : report["wifi"]) {
+        rows.push_back({Cell(link["port"]),
+                        !link["error"].is_null()     ? Cell(Cell(link["error"]).text, kYellow)
+                        : link["connected"] == false ? Cell("not connected", kDim)
+                                                     : ssidCell(link["ssid"]),
+                        signalCell(link["signal_dbm"]), Cell(link["bssid"]),
+                        Cell(link["rx_packets"]), Cell(link["tx_packets"])});
+    }
+    const Names headings = {"Port",         "Network",     "Signal",
+                            "Access point", ">Packets in", ">Packets out"};
+    return title("Wi-Fi") +
+           (rows.empty() ? paragraph({"no wireless port", kDim}) : tableOf(headings, rows));
 }
 
 }  // namespace
 
-void readWifi(Json& report, const Ports& ports) {
-    Json& told = report["wifi"];
-    if (!ports) {
-        return;
-    }
-    told = Json::array();
-    for (const std::string& port : *ports) {
-        if (isWireless(port)) {
-            told.push_back(readLink(port));
-        }
-    }
-}
+const Section kWifiSection = {"wifi", true, read, show};
 
-std::string showWifi(const Json& report) {
-    const Json& links = report["wifi"];
-    if (links.empty()) {
-        return title("Wi-Fi") + paragraph({"no wireless port", kDim});
+int scanWifi(const Arguments& arguments) {
+    const std::string& port = arguments.words[1];
+    const std::unique_ptr<wifi_data, decltype(&wifi_scan_close)> wifi(wifi_scan_init(port.c_str()),
+                                                                      wifi_scan_close);
+    if (!wifi) {
+        return kFailed;
     }
-    Table table({"Port", "Network", "Signal", ">", "Access point", ">Packets in", ">Packets out"});
-    for (const Json& link : links) {
-        table.add(rowOf(link));
+    // The cursor stays in front, so that a message of the library takes the line.
+    const bool visible = isatty(STDERR_FILENO) == 1;
+    std::fputs(visible ? "Scanning...\r" : "", stderr);
+    std::vector<wifi_bss_record> records(kMostNetworks);
+    const int32_t count = wifi_scan_all(wifi.get(), records.data(), kMostNetworks);
+    std::fputs(visible ? "           \r" : "", stderr);
+    if (count < 0) {
+        return fail("can't scan with " + port + ": it is down, not wireless or busy");
     }
-    return title("Wi-Fi") + table.text();
+    records.resize(static_cast<size_t>(std::min(count, kMostNetworks)));
+    const Json told = {{"port", port},
+                       {"networks", networksOf(std::move(records))},
+                       {"not_shown", std::max(count - kMostNetworks, 0)}};
+    print(arguments.has('j') ? jsonText(told) : showNetworks(told));
+    return kDone;
 }

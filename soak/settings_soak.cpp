@@ -25,15 +25,17 @@ using namespace std::chrono_literals;
 static std::string scratch;  // FOLDER
 
 static int allocationsLeft = INT_MAX;  // for never mind
+static int mostFailures = INT_MAX;     // behind the last one
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kCanFail = false;
 #else
 constexpr bool kCanFail = true;
-#define ALLOCATION(name, parameters, arguments)                                 \
-    extern "C" void* __libc_##name parameters;                                  \
-    extern "C" void* name parameters {                                          \
-        const bool fails = allocationsLeft != INT_MAX && --allocationsLeft < 0; \
-        return fails ? (errno = ENOMEM, nullptr) : __libc_##name arguments;     \
+#define ALLOCATION(name, parameters, arguments)                                       \
+    extern "C" void* __libc_##name parameters;                                        \
+    extern "C" void* name parameters {                                                \
+        const bool isLast = allocationsLeft != INT_MAX && --allocationsLeft < 0;      \
+        return isLast && allocationsLeft >= -mostFailures ? (errno = ENOMEM, nullptr) \
+                                                          : __libc_##name arguments;  \
     }
 ALLOCATION(malloc, (size_t size), (size))
 ALLOCATION(calloc, (size_t count, size_t size), (count, size))
@@ -300,10 +302,14 @@ void withoutMemory() {
             }
         }
     });
-    // And in the first use of the database.
-    for (shared.ready = true; shared.ready; shared.writes += sampleOr(5u, 1u)) {
-        const auto successes = static_cast<int>(shared.writes);
-        inProcess([=] { shared.ready = failAllocations(kWithoutMemory[0], successes); });
+    // And in the first use of the database, also for a moment alone.
+    for (const int failures : {INT_MAX, 1}) {
+        mostFailures = failures;
+        shared.writes = 0;
+        for (shared.ready = true; shared.ready; shared.writes += sampleOr(10u, 1u)) {
+            const auto successes = static_cast<int>(shared.writes);
+            inProcess([=] { shared.ready = failAllocations(kWithoutMemory[0], successes); });
+        }
     }
 }
 

@@ -14,7 +14,6 @@ int32_t createFlatKeyTable(Connection& connection) {
     }
     // This table is the last to be made: from here on the file holds them all, and what a process
     // before had left in the log. If it can't be done now, a later set does it.
-    const ConnectionLock lock(connection.get());
     sqlite3_wal_checkpoint_v2(connection.get(), "main", SQLITE_CHECKPOINT_PASSIVE, nullptr,
                               nullptr);
     return SQLITE_OK;

@@ -128,7 +128,6 @@ int32_t readStringMalloc(sqlite3* handle, const KeyPath* path, const Profile& pr
     if (value == nullptr) {
         return SQLITE_MISUSE;
     }
-    *value = nullptr;
     bool found = false;
     const int32_t result = readItem(handle, path, profile, [&](StoredText text) {
         found = text.has_value();

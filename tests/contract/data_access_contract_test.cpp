@@ -219,13 +219,17 @@ TEST_F(DataAccessContract, TheFlatKeyTableKeepsItsRowsUntilTheyAreDeletedInATran
     sqlite3_close(other);
 }
 
-TEST_F(DataAccessContract, ThreadsShareAConnection) {
+TEST_F(DataAccessContract, ThreadsShareAConnectionAndHaveOthers) {
     std::vector<std::jthread> threads;
     for (const Access& access : kAccesses) {
         threads.emplace_back([&] {
             const std::string name = access.type + std::to_string(access.isProfiled);
             const KeyPath key{{{"dal_key", name.c_str()}}};
             for (int32_t round = 0; round < 50; ++round) {
+                sqlite3* own = nullptr;
+                sqlite3_open(":memory:", &own);
+                EXPECT_FALSE(access.isPresent(own, &key)) << name;
+                sqlite3_close(own);
                 EXPECT_EQ(access.set(db, &key, round % 2), 0) << name;
                 expectStored(access, key, round % 2);
             }

@@ -146,11 +146,16 @@ TEST_F(DataAccess, ATransactionThatDoesNotBeginIsRefusedAsAWhole) {
     const int64_t before = milliseconds;
     EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN TRANSACTION;"), SQLITE_BUSY);
     EXPECT_NEAR(static_cast<double>(milliseconds - before), 10'000, 100);
+    const int64_t after = milliseconds;
+    EXPECT_EQ(DAL_ExecuteQuery(db, "CREATE TABLE IF NOT EXISTS tbl_home_screen_icons (a);"), 0);
+    EXPECT_EQ(DAL_CreateFlatKeyTable(db), 0);
+    EXPECT_EQ(milliseconds, after) << "for what is there already";
     EXPECT_EQ(other("COMMIT"), 0);
     EXPECT_EQ(DAL_DeleteFlatKeyTable(db), SQLITE_BUSY);
     std::thread([&] { EXPECT_EQ(DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0), 0); }).join();
     EXPECT_EQ(DAL_ExecuteQuery(db, "COMMIT;"), SQLITE_BUSY);
     EXPECT_EQ(query(kFile, kFlatRows), "k||v");
+    EXPECT_EQ(query(kFile, "SELECT * FROM tbl_home_screen_icons_dal_key_dal_value"), "n|k|0|v");
     EXPECT_EQ(DAL_deleteItem(db, &kItem), 0) << "the refusal is over";
 }
 
@@ -218,6 +223,7 @@ TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {
 TEST_F(DataAccess, WhoComesWaitsForTheTurnAndBehindAllWhoWait) {
     open();
     const int turns = ::open((kFile + "-turn").c_str(), O_RDWR | O_CLOEXEC);
+    EXPECT_EQ(run("stat -c %a:%u " + kFile + "-turn"), run("stat -c %a:%u " + kFile));
     for (const off_t place : {0, 1, 6}) {
         const auto lock = [=](short type) {
             struct flock range {

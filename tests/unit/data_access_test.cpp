@@ -53,6 +53,7 @@ namespace {
 const std::string kFlatRows = "SELECT * FROM tbl_dal_key_dal_value";
 const KeyPath kItem{{{"dal_key", "k"}}};
 const KeyPath kNode{{{"home_screen_icons", "n"}}};
+const KeyPath kWholeList{{{"home_screen_icons", nullptr}}};
 const KeyPath kListItem{{{"home_screen_icons", "n"}, {"dal_key", "k"}}};
 
 class DataAccess : public Sandbox {
@@ -61,6 +62,7 @@ class DataAccess : public Sandbox {
         run("mkdir -p /mnt/vex-data/m7");
         sqlite3_open(kFile.c_str(), &writer);
         EXPECT_EQ(other("CREATE TABLE t (a); BEGIN EXCLUSIVE"), 0);
+        run("chown 7 " + kFile + " 2>/dev/null || :");
     }
     // Opens the database of the settings when the writer is done.
     void open() {
@@ -101,6 +103,9 @@ TEST_F(DataAccess, WhatIsNoItemOrOutOfLimitsFailsAndDelivers) {
     }
     char* block = nullptr;
     EXPECT_EQ(DAL_getTypeStringMalloc(db, &kItem, &block, nullptr), SQLITE_NOTFOUND);
+    EXPECT_EQ(DAL_getTypeInt(db, &kItem, nullptr, 1), 0);
+    EXPECT_EQ(DAL_setProfiledTypeString(db, &kItem, "v", 0, DAL_ALL_PROFILES), SQLITE_MISUSE);
+    EXPECT_EQ(DAL_deleteProfiledNodeItem(db, &kWholeList, 0), SQLITE_MISUSE);
     EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, 8, 0, 5, 7), SQLITE_RANGE);
     EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, 4, 0, 5, 7), SQLITE_RANGE);
     EXPECT_EQ(query(kFile, kFlatRows), "");
@@ -185,6 +190,7 @@ TEST_F(DataAccess, WhatOneOfItsStatementsCantDoIsUndoneAsAWhole) {
     const auto setWithin = [&](const char* end) {
         const int32_t begun = DAL_ExecuteQuery(db, "BEGIN TRANSACTION;");
         const int32_t set = setInList();
+        EXPECT_EQ(DAL_deleteItem(db, &kItem) == 0, set == 0) << "else the rest is refused";
         return begun + set + DAL_ExecuteQuery(db, end);
     };
     for (const char* const sql : {"PRAGMA synchronous = EXTRA", "PRAGMA journal_mode",
@@ -210,10 +216,13 @@ TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {
     sqlite3_open(file.c_str(), &own);
     EXPECT_EQ(sqlite3_exec(reader, "BEGIN; SELECT * FROM t", nullptr, nullptr, nullptr), 0);
     const int64_t before = milliseconds;
+    EXPECT_EQ(DAL_ExecuteQuery(own, "BEGIN") + DAL_ExecuteQuery(own, "ROLLBACK"), 0);
     EXPECT_EQ(DAL_SetDBConfiguration(own), 0);
     EXPECT_NEAR(static_cast<double>(milliseconds - before), 1000, 10);
     EXPECT_EQ(query(file, "PRAGMA journal_mode"), "delete");
-    sqlite3_close(reader);
+    EXPECT_EQ(DAL_ExecuteQuery(own, "BEGIN") + DAL_ExecuteQuery(own, "DELETE FROM t"), 0);
+    whileWaiting = [&] { sqlite3_close(std::exchange(reader, nullptr)); };
+    EXPECT_EQ(DAL_ExecuteQuery(own, "COMMIT"), 0) << "when the reader is done";
     EXPECT_EQ(DAL_SetDBConfiguration(own), 0);
     EXPECT_EQ(query(file, "PRAGMA journal_mode"), "wal");
     sqlite3_close(own);
@@ -224,6 +233,17 @@ TEST_F(DataAccess, WhoComesWaitsForTheTurnAndBehindAllWhoWait) {
     open();
     const int turns = ::open((kFile + "-turn").c_str(), O_RDWR | O_CLOEXEC);
     EXPECT_EQ(run("stat -c %a:%u " + kFile + "-turn"), run("stat -c %a:%u " + kFile));
+    EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN"), 0);
+    std::atomic<bool> isOver = false;
+    std::jthread late([&] {
+        EXPECT_EQ(DAL_deleteItem(db, &kItem), SQLITE_BUSY);
+        isOver = true;
+    });
+    while (!isOver) {
+        ++milliseconds;
+    }
+    EXPECT_EQ(flock(turns, LOCK_EX | LOCK_NB), -1) << "whose turn it is keeps it";
+    EXPECT_EQ(DAL_ExecuteQuery(db, "COMMIT"), 0);
     for (const off_t place : {0, 1, 6}) {
         const auto lock = [=](short type) {
             struct flock range {
@@ -234,7 +254,11 @@ TEST_F(DataAccess, WhoComesWaitsForTheTurnAndBehindAllWhoWait) {
         };
         EXPECT_EQ(lock(F_WRLCK), 0);
         int waited = 0;
-        whileWaiting = [&] { waited += waited == 3 ? lock(F_UNLCK) : 1; };
+        whileWaiting = [&] {
+            EXPECT_EQ(flock(turns, LOCK_EX | LOCK_NB), 0) << "who waits for others has it not";
+            EXPECT_EQ(place > 0 ? flock(turns, LOCK_UN) : 0, 0);
+            waited += waited == 3 ? lock(F_UNLCK) : 1;
+        };
         EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0);
         EXPECT_EQ(waited, 3);
         EXPECT_EQ(lock(F_WRLCK), 0);

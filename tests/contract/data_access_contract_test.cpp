@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <barrier>
 #include <climits>
 #include <filesystem>
 #include <functional>
@@ -219,24 +221,34 @@ TEST_F(DataAccessContract, TheFlatKeyTableKeepsItsRowsUntilTheyAreDeletedInATran
     sqlite3_close(other);
 }
 
-TEST_F(DataAccessContract, ThreadsShareAConnectionAndHaveOthers) {
+TEST_F(DataAccessContract, ThreadsShareConnectionsAndHaveTheirOwn) {
+    std::vector<sqlite3*> fresh(50);
+    for (sqlite3*& connection : fresh) {
+        sqlite3_open(":memory:", &connection);
+    }
+    std::barrier start(std::ssize(kAccesses));
     std::vector<std::jthread> threads;
     for (const Access& access : kAccesses) {
         threads.emplace_back([&] {
             const std::string name = access.type + std::to_string(access.isProfiled);
             const KeyPath key{{{"dal_key", name.c_str()}}};
-            for (int32_t round = 0; round < 50; ++round) {
-                sqlite3* own = nullptr;
-                sqlite3_open(":memory:", &own);
-                EXPECT_FALSE(access.isPresent(own, &key)) << name;
-                sqlite3_close(own);
-                EXPECT_EQ(access.set(db, &key, round % 2), 0) << name;
+            for (size_t round = 0; round < fresh.size(); ++round) {
+                const auto value = static_cast<int32_t>(round % 2);
+                start.arrive_and_wait();
+                EXPECT_FALSE(access.isPresent(fresh[round], &key)) << name;
+                EXPECT_EQ(access.set(db, &key, value), 0) << name;
                 for (int again = 0; again < 20; ++again) {
-                    expectStored(access, key, round % 2);
+                    sqlite3* own = nullptr;
+                    sqlite3_open(":memory:", &own);
+                    EXPECT_FALSE(access.isPresent(own, &key)) << name;
+                    sqlite3_close(own);
+                    expectStored(access, key, value);
                 }
             }
         });
     }
+    threads.clear();
+    std::ranges::for_each(fresh, sqlite3_close);
 }
 
 }  // namespace

@@ -106,6 +106,7 @@ TEST_F(DataAccess, WhatIsNoItemOrOutOfLimitsFailsAndDelivers) {
     EXPECT_EQ(DAL_getTypeInt(db, &kItem, nullptr, 1), 0);
     EXPECT_EQ(DAL_setProfiledTypeString(db, &kItem, "v", 0, DAL_ALL_PROFILES), SQLITE_MISUSE);
     EXPECT_EQ(DAL_deleteProfiledNodeItem(db, &kWholeList, 0), SQLITE_MISUSE);
+    EXPECT_EQ(DAL_deleteProfiledNodeItem(db, &kItem, 0), SQLITE_MISUSE);
     EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, 8, 0, 5, 7), SQLITE_RANGE);
     EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, 4, 0, 5, 7), SQLITE_RANGE);
     EXPECT_EQ(query(kFile, kFlatRows), "");

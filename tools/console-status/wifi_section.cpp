@@ -58,8 +58,9 @@ Json linkOf(const wifi_station_record& station) {
 Json readLink(const std::string& port) {
     // The library's exit in the child would write out once more what is in the buffer.
     std::fflush(stdout);
-    const std::unique_ptr<FILE, decltype(&std::fclose)> said(
-        fdopen(memfd_create("said", MFD_CLOEXEC), "r+"), std::fclose);
+    const auto close = [](FILE* file) { std::fclose(file); };
+    const std::unique_ptr<FILE, decltype(close)> said(
+        fdopen(memfd_create("said", MFD_CLOEXEC), "r+"), close);
     const pid_t child = said ? fork() : -1;
     if (child == 0) {
         dup2(fileno(said.get()), STDERR_FILENO);

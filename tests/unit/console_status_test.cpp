@@ -175,10 +175,12 @@ TEST_F(ConsoleStatus, FitsATerminal) {
     ASSERT_EQ(DAL_CML_setLanguage(value.c_str()), 0);
     ASSERT_EQ(DAL_CML_setHomeScreenIcon(value.c_str(), "\u65e5\u672c\u8a9e"), 0);
     EXPECT_NE(run("console-status").find(value + "\n  MaintenanceTimeout"), std::string::npos);
-    for (const int columns : {40, 80, 120}) {
+    for (const int told : {40, 80, 0}) {
+        const int columns = told > 0 ? told : 120;
         for (const char* command : {"", " list HomeScreenIcon"}) {
             std::istringstream lines(
-                Terminal("env NO_COLOR=1 console-status" + std::string(command), columns).rest());
+                Terminal("env NO_COLOR=1 COLUMNS=120 console-status" + std::string(command), told)
+                    .rest());
             int widest = 0;
             for (std::string line; std::getline(lines, line);) {
                 std::wstring wide(line.size(), L'\0');
@@ -243,13 +245,13 @@ TEST_F(ConsoleStatus, IsDocumentedAndCompleted) {
             "/console-status.1'");
     EXPECT_EQ(entries, run("console-status help | sed -n 's/^  \\([^ ].*[^ ]\\)   *[^ ].*/\\1/p'"));
 
-    ASSERT_EQ(DAL_CML_setHomeScreenIcon("a $(b)", ""), 0);
+    ASSERT_EQ(DAL_CML_setHomeScreenIcon("a $(b)\\", ""), 0);
     const std::pair<std::string, std::string> rows[] = {
         {"he", "help\n"},
         {"reset Lang", "Language\n"},
         {"clear h", "HomeScreenIcon\n"},
         {"set Theme ''", "LIGHT\nDARK\nAUTO\n"},
-        {"get HomeScreenIcon ''", "a\\ \\$\\(b\\)\n"},
+        {"get HomeScreenIcon ''", "a\\ \\$\\(b\\)\\\\\n"},
         {"ping far --port w", "wire\n"},
         {"--json scan w", "wire\n"},
         {"ping far --p", "--port\n"},

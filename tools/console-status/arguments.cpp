@@ -1,4 +1,5 @@
 #include <getopt.h>
+#include <strings.h>
 
 #include <algorithm>
 #include <cctype>
@@ -30,7 +31,7 @@ size_t distance(const std::string& a, const std::string& b) {
     for (const char each : a) {
         size_t diagonal = row[0]++;
         for (size_t j = 0; j < b.size(); ++j) {
-            const size_t changed = diagonal + (std::tolower(each) == std::tolower(b[j]) ? 0U : 1U);
+            const size_t changed = diagonal + (strncasecmp(&each, &b[j], 1) == 0 ? 0U : 1U);
             diagonal = row[j + 1];
             row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
         }

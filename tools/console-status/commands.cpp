@@ -142,8 +142,6 @@ void print(const std::string& text) {
 
 int main(int count, char** words) {
     setUpTerminal();
-    std::string name = "console-status";
-    words[0] = name.data();  // getopt_long's messages begin with it
     const int status = runLine(count, words);
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::perror("console-status: output");

@@ -13,7 +13,7 @@ _console_status_words() {
             "$program" list "$name" --json | sed -n 's/^      "node": "\(.*\)",$/\1/p'
             "$program" get "$name" --json | sed -n '/"words": \[/,/\]/s/^    "\(.*[^,]\)",\{0,1\}$/\1/p'
             ;;
-    esac
+    esac | sed 's/\\\(["\\]\)/\1/g'  # as JSON has it
 }
 
 _console_status() {

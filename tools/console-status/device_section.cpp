@@ -21,14 +21,14 @@ Json readSoftware() {
     char* version = nullptr;
     CML_getLinuxReleaseInformation(&kernel, &version);
     const auto upTime = static_cast<double>(CML_getUpTime());
-    const Json software = {{"product", orNull(CML_getProductID())},
-                           {"release", orNull(CML_getProductRelease())},
-                           {"build", orNull(CML_getBuildId())},
-                           {"build_type", orNull(CML_getBuildType())},
-                           {"machine", orNull(CML_getMachineName())},
-                           {"kernel_release", orNull(kernel)},
-                           {"kernel_version", orNull(version)},
-                           {"uptime_seconds", upTime == 0 ? Json() : Json(upTime)}};
+    Json software = {{"product", orNull(CML_getProductID())},
+                     {"release", orNull(CML_getProductRelease())},
+                     {"build", orNull(CML_getBuildId())},
+                     {"build_type", orNull(CML_getBuildType())},
+                     {"machine", orNull(CML_getMachineName())},
+                     {"kernel_release", orNull(kernel)},
+                     {"kernel_version", orNull(version)},
+                     {"uptime_seconds", upTime == 0 ? Json() : Json(upTime)}};
     std::free(kernel);
     std::free(version);
     return software;
@@ -105,7 +105,7 @@ Json readLoad() {
 std::string upTimeText(double seconds) {
     const auto all = static_cast<int64_t>(seconds);
     char text[48];
-    std::snprintf(text, sizeof text, "%d days %02d:%02d:%02d", static_cast<int>(all / 86400),
+    std::snprintf(text, sizeof text, "%d d %02d:%02d:%02d", static_cast<int>(all / 86400),
                   static_cast<int>(all / 3600 % 24), static_cast<int>(all / 60 % 60),
                   static_cast<int>(all % 60));
     return text;

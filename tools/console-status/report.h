@@ -13,12 +13,11 @@ using Names = std::vector<std::string>;
 struct Section {
     const char* name;
     bool usesPorts;
-    // Adds its keys. What isn't there is null. An "error" that
-    // isn't null, at whatever depth, tells that something couldn't be read, and so does a section
-    // that is null as a whole.
+    // Adds its keys. What isn't there is null. An "error" that isn't null, at whatever depth, tells
+    // that something couldn't be read, and so does a section that is null as a whole.
     void (*read)(Json& report, const std::optional<Names>& ports);
     // With a heading. Gets what was read; --watch adds rates to it, and a "history" of the last
-    // minute, with which it shows what changes alone.
+    // reports, with which it shows what changes alone.
     std::string (*show)(const Json& report);
 };
 extern const Section kSettingsSection;

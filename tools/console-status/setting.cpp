@@ -44,10 +44,11 @@ int32_t setText(const char* node, const Json& value) {
     return call<kSet>(node, value.get_ref<const std::string&>().c_str());
 }
 
-// clang-format off
-#define WORD(family, word) {CML_##family##_##word, #word}
+#define WORD(family, word) \
+    { CML_##family##_##word, #word }
 constexpr Word kTruth[] = {{0, "false"}, {1, "true"}};
-constexpr Word kClearControl[] = {WORD(DESTINATION_CLEAR_CONTROL, DISABLE), WORD(DESTINATION_CLEAR_CONTROL, ENABLE),
+constexpr Word kClearControl[] = {WORD(DESTINATION_CLEAR_CONTROL, DISABLE),
+                                  WORD(DESTINATION_CLEAR_CONTROL, ENABLE),
                                   WORD(DESTINATION_CLEAR_CONTROL, PROMPT)};
 constexpr Word kDateFormat[] = {WORD(DATE_FORMAT, DDMMYY), WORD(DATE_FORMAT, DDMMYYYY),
                                 WORD(DATE_FORMAT, MMDDYYYY), WORD(DATE_FORMAT, YYYYMMDD)};
@@ -56,9 +57,12 @@ constexpr Word kDestinationMode[] = {WORD(DRIVER_DESTINATION_SELECTION_MODE, ENT
 constexpr Word kInformationMode[] = {WORD(DRIVER_INFORMATION_SELECTION_MODE, ENTER_BY_NUMBER),
                                      WORD(DRIVER_INFORMATION_SELECTION_MODE, BROWSE_FROM_LIST)};
 constexpr Word kTheme[] = {WORD(THEME, LIGHT), WORD(THEME, DARK), WORD(THEME, AUTO)};
-constexpr Word kAutoTheme[] = {WORD(AUTO_THEME, LIGHT), WORD(AUTO_THEME, DARK), WORD(AUTO_THEME, AUTO)};
-constexpr Word kHotKeyIcon[] = {WORD(QOR_HOT_KEY_ICON, DEFAULT), WORD(QOR_HOT_KEY_ICON, AUDIO_ANNOUNCEMENT)};
+constexpr Word kAutoTheme[] = {WORD(AUTO_THEME, LIGHT), WORD(AUTO_THEME, DARK),
+                               WORD(AUTO_THEME, AUTO)};
+constexpr Word kHotKeyIcon[] = {WORD(QOR_HOT_KEY_ICON, DEFAULT),
+                                WORD(QOR_HOT_KEY_ICON, AUDIO_ANNOUNCEMENT)};
 
+// clang-format off
 #define ROW(name, database, words, get, set, nodes)                                              \
     {#name, &database, words, DAL_CML_get##name##Default(), get<DAL_CML_get##name>,              \
      set<DAL_CML_set##name>, call<DAL_CML_delete##name>, call<DAL_CML_is##name##Present>, nodes}
@@ -71,40 +75,61 @@ constexpr Word kHotKeyIcon[] = {WORD(QOR_HOT_KEY_ICON, DEFAULT), WORD(QOR_HOT_KE
 #define TRUTH(name) WORDS_OF(kTruth, name)
 #define NUMBERS(name, list) ROW(name, kPersistent, {}, getNumber, setNumber, NODES(list))
 #define TEXTS(name, list) ROW(name, kPersistent, {}, getText, setText, NODES(list))
+// clang-format on
 
 }  // namespace
 
 const std::vector<Setting> kSettings = {
-    TRUTH(AllowControlOfDestinations),                  TRUTH(AllowDriverReboot),
-    TRUTH(AllowDriverToAdjustBrightness),               TRUTH(AllowMultipleMessages),
+    TRUTH(AllowControlOfDestinations),
+    TRUTH(AllowDriverReboot),
+    TRUTH(AllowDriverToAdjustBrightness),
+    TRUTH(AllowMultipleMessages),
     ROW(AutoTheme, kVolatile, kAutoTheme, getNumber, setNumber, {}),
-    TRUTH(BeepsOnUsbUpdate),                            WORDS_OF(kDateFormat, DateFormat),
-    TRUTH(DestinationChangeRequiresPassword),           WORDS_OF(kClearControl, DestinationClearControl),
-    NUMBER(DisplayInactivityTimeout),                   NUMBER(DisplayOffTimeout),
+    TRUTH(BeepsOnUsbUpdate),
+    WORDS_OF(kDateFormat, DateFormat),
+    TRUTH(DestinationChangeRequiresPassword),
+    WORDS_OF(kClearControl, DestinationClearControl),
+    NUMBER(DisplayInactivityTimeout),
+    NUMBER(DisplayOffTimeout),
     WORDS_OF(kDestinationMode, DriverDestinationSelectionMode),
-    NUMBER(DriverDisplayRenderMode),                    NUMBER(DriverDisplaySource),
+    NUMBER(DriverDisplayRenderMode),
+    NUMBER(DriverDisplaySource),
     WORDS_OF(kInformationMode, DriverInformationSelectionMode),
-    TEXT(DriverMessageTextEncoding),                    TRUTH(DriverQorTerminalPermission),
-    TRUTH(EnableDriverIdEntry),                         TRUTH(EnableDriverPasswordLogin),
-    TRUTH(EnableServiceIdEntry),                        TRUTH(EnableVirtualQorTerminal),
-    NUMBER(HomeScreenIconBarQty),                       TEXT(HomeScreenIconOrder),
-    TRUTH(InformationChangeRequiresPassword),           TEXT(Language),
-    NUMBER(MaintenanceTimeout),                         WORDS_OF(kHotKeyIcon, QorHotKeyIcon),
-    TRUTH(QorHotKeySelectEnabled),                      TRUTH(RoundTripEnable),
-    TRUTH(RoundTripOrientation),                        TRUTH(ShowCustomSplash),
-    TRUTH(ShowHomeScreenDateTime),                      TRUTH(ShowPassengerCountTile),
-    TRUTH(ShowProfilesListByDefault),                   TRUTH(ShowToggleThemeIcon),
-    TRUTH(SignTestMaintenanceLock),                     WORDS_OF(kTheme, Theme),
-    TRUTH(TimeFormat),                                  TRUTH(TouchScreenClick),
-    TRUTH(UsbUpdateRequiresPassword),                   TRUTH(UseCodeEntryKeypad),
-    TRUTH(UseHomeCodeBrowseControls),                   NUMBER(UserInterfaceRevision),
+    TEXT(DriverMessageTextEncoding),
+    TRUTH(DriverQorTerminalPermission),
+    TRUTH(EnableDriverIdEntry),
+    TRUTH(EnableDriverPasswordLogin),
+    TRUTH(EnableServiceIdEntry),
+    TRUTH(EnableVirtualQorTerminal),
+    NUMBER(HomeScreenIconBarQty),
+    TEXT(HomeScreenIconOrder),
+    TRUTH(InformationChangeRequiresPassword),
+    TEXT(Language),
+    NUMBER(MaintenanceTimeout),
+    WORDS_OF(kHotKeyIcon, QorHotKeyIcon),
+    TRUTH(QorHotKeySelectEnabled),
+    TRUTH(RoundTripEnable),
+    TRUTH(RoundTripOrientation),
+    TRUTH(ShowCustomSplash),
+    TRUTH(ShowHomeScreenDateTime),
+    TRUTH(ShowPassengerCountTile),
+    TRUTH(ShowProfilesListByDefault),
+    TRUTH(ShowToggleThemeIcon),
+    TRUTH(SignTestMaintenanceLock),
+    WORDS_OF(kTheme, Theme),
+    TRUTH(TimeFormat),
+    TRUTH(TouchScreenClick),
+    TRUTH(UsbUpdateRequiresPassword),
+    TRUTH(UseCodeEntryKeypad),
+    TRUTH(UseHomeCodeBrowseControls),
+    NUMBER(UserInterfaceRevision),
     TRUTH(WakeOnRemoteAction),
     NUMBERS(BrowserDestinationHideItem, BrowserDestinationHideList),
     NUMBERS(BrowserInformationHideItem, BrowserInformationHideList),
-    TEXTS(HomeScreenIcon, HomeScreenIcons),             TEXTS(IconsMenuFavourite, IconsMenuFavourites),
+    TEXTS(HomeScreenIcon, HomeScreenIcons),
+    TEXTS(IconsMenuFavourite, IconsMenuFavourites),
     TEXTS(QorHotKeySelectListItem, QorHotKeySelectList),
 };
-// clang-format on
 
 Json wordOf(const Setting& setting, const Json& value) {
     for (const Word& word : setting.words) {

@@ -105,7 +105,7 @@ bool holdsValues(const Setting& setting) {
 
 int useSetting(const Arguments& arguments) {
     const std::string& what = arguments.words[0];
-    const Setting* const setting = find<Setting>(kSettings, arguments.words[1], "setting or list");
+    const auto* const setting = find<Setting>(kSettings, arguments.words[1], "setting or list");
     if (setting == nullptr) {
         return kUsageError;
     }

@@ -222,7 +222,7 @@ TEST_F(DataAccessContract, TheFlatKeyTableKeepsItsRowsUntilTheyAreDeletedInATran
 }
 
 TEST_F(DataAccessContract, ThreadsShareConnectionsAndHaveTheirOwn) {
-    std::vector<sqlite3*> fresh(50);
+    std::vector<sqlite3*> fresh(30);
     for (sqlite3*& connection : fresh) {
         sqlite3_open(":memory:", &connection);
     }
@@ -237,7 +237,7 @@ TEST_F(DataAccessContract, ThreadsShareConnectionsAndHaveTheirOwn) {
                 start.arrive_and_wait();
                 EXPECT_FALSE(access.isPresent(fresh[round], &key)) << name;
                 EXPECT_EQ(access.set(db, &key, value), 0) << name;
-                for (int again = 0; again < 20; ++again) {
+                for (int again = 0; again < 10; ++again) {
                     sqlite3* own = nullptr;
                     sqlite3_open(":memory:", &own);
                     EXPECT_FALSE(access.isPresent(own, &key)) << name;

@@ -102,7 +102,7 @@ class Radios : public Sandbox {
             all += line;
         }
         EXPECT_EQ(all, run("iw dev wlan0 scan dump | sed -n 's/^BSS \\([0-9a-f:]*\\).*/\\1/p; "
-                           "s/^\\tfreq: //p; s/^\\tsignal: \\(.*\\) dBm$/\\1/p; "
+                           "s/^\\tfreq: \\([0-9]*\\).*/\\1/p; s/^\\tsignal: \\(.*\\) dBm$/\\1/p; "
                            "s/^\\tSSID: *//p' | paste -d' ' - - - - | sort"));
     }
 

@@ -182,7 +182,7 @@ TEST_F(Faults, TheLibraryCallsThePlayedFunctionsAndAScanAllocatesNothing) {
         }
     }
     for (const char* const function :
-         {"socket", "send", "recv", "open64", "read", "popen", "system", "fcntl64", "pwrite64"}) {
+         {"socket", "send", "recv", "open64", "read", "popen", "system", "pwrite64"}) {
         EXPECT_GT(counts[function][""], 0) << function;
     }
     EXPECT_EQ(counts["malloc"]["wifi_scan_all"] + counts["malloc"]["wifi_scan_station"], 0);

@@ -1,12 +1,7 @@
 // The program as it is used: from a shell, on a terminal and by scripts.
 #include <console-manager/settings.h>
-#include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <clocale>
-#include <cwchar>
 #include <nlohmann/json.hpp>
 
 #include "support/sandbox.h"
@@ -15,46 +10,12 @@ namespace {
 
 using Json = nlohmann::json;
 
-// A pseudo-terminal on which a command runs.
-struct Terminal {
-    explicit Terminal(const std::string& command, int columns = 80) {
-        const winsize size{8, static_cast<unsigned short>(columns), 0, 0};
-        if (forkpty(&master, nullptr, nullptr, &size) == 0) {
-            execl("/bin/sh", "sh", "-c", ("exec " + command).c_str(), nullptr);
-        }
-    }
-    ~Terminal() { close(master); }
-
-    void type(std::string_view keys) const {
-        EXPECT_EQ(write(master, keys.data(), keys.size()), std::ssize(keys));
-    }
-
-    // What is written from now on up to that text, or to the end.
-    std::string until(const std::string& end) const {
-        std::string text;
-        for (char byte = 0; !text.ends_with(end) && read(master, &byte, 1) == 1;) {
-            text += byte == '\r' ? "" : std::string(1, byte);
-        }
-        return text;
-    }
-
-    // The rest, and the exit status.
-    std::string rest() const {
-        const std::string text = until("no such end");
-        int status = 0;
-        wait(&status);
-        return text + "status " + std::to_string(WEXITSTATUS(status)) + "\n";
-    }
-
-    int master = -1;
-};
-
 class ConsoleStatus : public Sandbox {
   protected:
     void prepare() override {
         addPorts();
         run("ln -sf '" CS "' /mnt/test/bin");
-        std::setlocale(LC_CTYPE, "C.UTF-8");
+        setenv("LC_ALL", "C.UTF-8", 1);
         setenv("TERM", "xterm", 1);
         unsetenv("NO_COLOR");
     }
@@ -62,6 +23,16 @@ class ConsoleStatus : public Sandbox {
     // All output, and the exit status.
     static std::string answer(const std::string& command) {
         return run("{ " + command + "; echo status $?; } 2>&1");
+    }
+
+    // The same on a terminal. What these commands write is typed; `see TEXT` waits until it's
+    // shown.
+    static std::string onTerminal(const std::string& command, int columns = 80,
+                                  const std::string& keys = ":") {
+        return run(
+            "see() { until grep -q \"$1\" /mnt/test/shown; do :; done; }; >/mnt/test/shown; { " +
+            keys + "; } | script -qfc 'stty rows 8 cols " + std::to_string(columns) + "; " +
+            command + "; echo status $?' /mnt/test/shown | tr -d '\\r'");
     }
 };
 
@@ -103,10 +74,10 @@ TEST_F(ConsoleStatus, AnswersCommands) {
         {"ping far --timeout 0", 2, "--timeout takes a whole number from 1, not '0'\n"},
         {"--watch 1x", 2, "--watch takes a whole number from 1, not '1x'\n"},
         {"get --watch 1 Theme", 2, "get takes no --watch\n"},
-        {"--jsn", 2, "there is no option --jsn; did you mean --json?\n"},
+        {"--jsn", 2, "there is no option 'jsn'; did you mean json?\n"},
         {"--json=1", 2, "--json takes no value\n"},
         {"--watch", 2, "--watch needs a value\n"},
-        {"-x", 2, "there is no option -x\n"},
+        {"-x", 2, "there is no option 'x'\n"},
         {"scan nothing", 1, "Incorrect network interface: No such device\n"},
         {"prots", 2, "there is no command 'prots'; did you mean ports?\n"},
         {"get", 2, "get takes NAME [NODE]\n"},
@@ -120,15 +91,13 @@ TEST_F(ConsoleStatus, AnswersCommands) {
         EXPECT_TRUE(all.ends_with(words + "status " + std::to_string(status) + "\n"))
             << arguments << ": " << all;
     }
-    for (const char* key : {"n\n", "y\n"}) {
-        const Terminal terminal("console-status factory-reset");
-        EXPECT_EQ(terminal.until("] "), "Remove all values of all settings and lists? [y/N] ");
-        terminal.type(key);
-        EXPECT_TRUE(
-            terminal.rest().ends_with(*key == 'y' ? "y\nstatus 0\n" : "changed\nstatus 1\n"));
-    }
+    const std::string asked = "Remove all values of all settings and lists? [y/N] ";
+    EXPECT_EQ(onTerminal("console-status factory-reset", 80, "see y/N; echo n"),
+              asked + "n\nconsole-status: nothing is changed\nstatus 1\n");
+    EXPECT_EQ(onTerminal("console-status factory-reset", 80, "see y/N; echo y"),
+              asked + "y\nstatus 0\n");
     ASSERT_EQ(DAL_CML_setLanguage("a\033[1m\x9b\xc2\x9b\xff"), 0);
-    EXPECT_EQ(Terminal("console-status get Language").rest(), "a?[1m???\nstatus 0\n");
+    EXPECT_EQ(onTerminal("console-status get Language"), "a?[1m???\nstatus 0\n");
     EXPECT_EQ(run("console-status get Language"), "a\033[1m\x9b\xc2\x9b\xff\n");
 }
 
@@ -175,52 +144,42 @@ TEST_F(ConsoleStatus, FitsATerminal) {
     ASSERT_EQ(DAL_CML_setLanguage(value.c_str()), 0);
     ASSERT_EQ(DAL_CML_setHomeScreenIcon(value.c_str(), "\u65e5\u672c\u8a9e"), 0);
     EXPECT_NE(run("console-status").find(value + "\n  MaintenanceTimeout"), std::string::npos);
-    for (const int told : {40, 80, 0}) {
-        const int columns = told > 0 ? told : 120;
-        for (const char* command : {"", " list HomeScreenIcon"}) {
-            std::istringstream lines(
-                Terminal("env NO_COLOR=1 COLUMNS=120 console-status" + std::string(command), told)
-                    .rest());
-            int widest = 0;
-            for (std::string line; std::getline(lines, line);) {
-                std::wstring wide(line.size(), L'\0');
-                wide.resize(std::mbstowcs(wide.data(), line.c_str(), wide.size()));
-                widest = std::max(widest, wcswidth(wide.data(), wide.size()));
-            }
+    for (const int told : {40, 120, 0}) {
+        const int columns = told > 0 ? told : 80;
+        for (const std::string command : {"", "list HomeScreenIcon"}) {
+            writeFile("/mnt/test/screen", onTerminal("NO_COLOR=1 console-status " + command, told));
+            const int widest = std::stoi(run("wc -L </mnt/test/screen"));
             EXPECT_TRUE(widest <= columns && widest > columns - 20) << columns << ": " << widest;
         }
     }
-    for (const char* environment : {"", "env NO_COLOR=1 ", "env TERM=dumb "}) {
-        const std::string text =
-            Terminal(environment + std::string("console-status device")).rest();
-        EXPECT_EQ(text.find("\033[1mDevice") == std::string::npos, *environment != '\0') << text;
+    for (const std::string environment : {"", "NO_COLOR=1 ", "TERM=dumb "}) {
+        const std::string text = onTerminal(environment + "console-status device");
+        EXPECT_EQ(text.find("\033[1mDevice") == std::string::npos, !environment.empty()) << text;
     }
 }
 
 TEST_F(ConsoleStatus, RedrawsAWatchedTerminal) {
-    const Terminal terminal("console-status --watch 600");
-    terminal.until("\033[H");
-    const std::string screen = terminal.until("\033[J");
+    const std::string text =
+        onTerminal("tty >/mnt/test/tty; console-status --watch 600", 80,
+                   "see '\\[J'; stty rows 50 <$(cat /mnt/test/tty); see wire; printf '\\003'");
+    const std::string screen = text.substr(text.find("\033[H"), text.find("\033[J"));
     EXPECT_EQ(std::ranges::count(screen, '\n'), 7) << screen;
-    const winsize larger{50, 120, 0, 0};
-    ioctl(terminal.master, TIOCSWINSZ, &larger);
-    EXPECT_NE(terminal.until("\033[J").find("wire"), std::string::npos);
-    terminal.type("\003");
-    EXPECT_TRUE(terminal.rest().ends_with("\nstatus 0\n"));
+    EXPECT_TRUE(text.ends_with("\033[J^C\nstatus 0\n")) << text;
 }
 
 TEST_F(ConsoleStatus, TellsWhyADatabaseCantBeUsed) {
+    const std::string folder = "/mnt/vex-data/m7", file = folder + "/console-manager.db";
     // What is made of "/mnt", who looks, and what is told.
     const std::tuple<std::string, std::string, std::string> rows[] = {
-        {"mount -t tmpfs -o ro none /mnt", "",
-         "there is none, and it can't be made in /mnt: Read-only file system"},
-        {"chmod 555 /mnt", "setpriv --bounding-set=-dac_override ",
-         "there is none, and it can't be made in /mnt: Permission denied"},
-        {"mkdir /mnt/vex-data; touch /mnt/vex-data/m7", "", "/mnt/vex-data/m7 is no folder"},
-        {"mkdir -p /mnt/vex-data/m7; yes | head -c 9999 >/mnt/vex-data/m7/console-manager.db", "",
-         "it is damaged, or no database"},
-        {"mount -t tmpfs -o size=8k none /mnt; mkdir -p /mnt/vex-data/m7; head -c 8192 /dev/zero "
-         ">/mnt/full || true",
+        {"mount -t tmpfs -o ro none /mnt", "", "/mnt: Read-only file system"},
+        {"chmod 555 /mnt", "setpriv --bounding-set=-dac_override ", "/mnt: Permission denied"},
+        {"mkdir -p " + folder + "; >" + file + "; chmod 555 " + file,
+         "setpriv --bounding-set=-dac_override ", file + ": Permission denied"},
+        {"mkdir /mnt/vex-data; touch " + folder, "", file + ": Not a directory"},
+        {"mkdir -p " + folder + "; yes | head -c 9999 >" + file, "",
+         "it is damaged, or another process holds it"},
+        {"mount -t tmpfs -o size=8k none /mnt; mkdir -p " + folder +
+             "; head -c 8192 /dev/zero >/mnt/full || true",
          "", "its disk is full"},
     };
     run("mkdir /tmp/m7/bin; cp /mnt/test/bin/* /tmp/m7/bin");
@@ -228,8 +187,7 @@ TEST_F(ConsoleStatus, TellsWhyADatabaseCantBeUsed) {
     for (const auto& [situation, as, reason] : rows) {
         run("mount -t tmpfs none /mnt; " + situation);
         const std::string program = as + "console-status";
-        const std::string why =
-            "the persistent database /mnt/vex-data/m7/console-manager.db can't be used: " + reason;
+        const std::string why = "the persistent database " + file + " can't be used: " + reason;
         EXPECT_EQ(answer(program + " get Theme"), "console-status: " + why + "\nstatus 1\n");
         const std::string both = answer(program) + answer(program + " settings --json");
         EXPECT_TRUE(both.starts_with("\nSettings\n  " + why + "\n  Setting")) << both;

@@ -39,18 +39,16 @@ size_t distance(const std::string& a, const std::string& b) {
     return row.back();
 }
 
-// Says what is wrong with an option: '?' or, without its value, ':'.
+// Throws what is wrong with an option: '?' or, without its value, ':'.
 void refuse(int wrong, const std::string& word) {
     const bool isLong = word.starts_with("--");
     const std::string name =
-        isLong ? word.substr(0, word.find('=')) : std::string("-") + static_cast<char>(optopt);
-    std::vector<std::string> names;
-    for (const Option& each : kOptions) {
-        names.push_back(std::string("--") + each.name);
+        isLong ? word.substr(2, word.find('=') - 2) : std::string(1, static_cast<char>(optopt));
+    if (wrong == ':' || (isLong && optopt != 0)) {
+        throw UsageError((isLong ? "--" : "-") + name +
+                         (wrong == ':' ? " needs a value" : " takes no value"));
     }
-    fail(wrong == ':'            ? name + " needs a value"
-         : isLong && optopt != 0 ? name + " takes no value"
-                                 : "there is no option " + name + suggestion(name, names));
+    find<Option>(kOptions, name, "option");  // there is none
 }
 
 }  // namespace
@@ -59,7 +57,7 @@ std::span<const Option> options() {
     return kOptions;
 }
 
-std::optional<Arguments> parse(int count, char** words) {
+Arguments parse(int count, char** words) {
     std::string letters = "+:";  // stop at each word, tell a value that's missing
     std::vector<option> names;
     for (const Option& each : kOptions) {
@@ -77,7 +75,6 @@ std::optional<Arguments> parse(int count, char** words) {
                                : getopt_long(count, words, letters.c_str(), names.data(), nullptr);
         if (letter == '?' || letter == ':') {
             refuse(letter, words[next]);
-            return std::nullopt;
         }
         if (letter != -1) {
             arguments.options[static_cast<char>(letter)] = optarg != nullptr ? optarg : "";
@@ -91,15 +88,14 @@ std::optional<Arguments> parse(int count, char** words) {
     return arguments;
 }
 
-std::optional<int> Arguments::seconds(char letter, const char* otherwise) const {
+int Arguments::seconds(char letter, const char* otherwise) const {
     const std::string text = value(letter, otherwise);
-    const auto number = numberOf(text);
-    if (number.value_or(0) > 0) {
+    const int number = numberOf(text).value_or(0);
+    if (number > 0) {
         return number;
     }
-    const auto* const name = std::ranges::find(kOptions, letter, &Option::letter)->name;
-    fail(std::string("--") + name + " takes a whole number from 1, not " + quoted(text));
-    return std::nullopt;
+    const std::string name = std::ranges::find(kOptions, letter, &Option::letter)->name;
+    throw UsageError("--" + name + " takes a whole number from 1, not " + quoted(text));
 }
 
 std::optional<int> numberOf(const std::string& text) {

@@ -43,7 +43,7 @@ Exit status: 0 done; 1 failed, or the report lacks something; 2 arguments not
 understood. console-status(1) tells more.
 )";
 
-const Command* commandOf(const std::string& name) {
+const Command& commandOf(const std::string& name) {
     return find<Command>(kCommands, name, "command");
 }
 
@@ -60,10 +60,7 @@ std::string helpLine(std::string left, const std::string& argument, const char* 
 // Of all, or of the command that follows.
 int help(const Arguments& arguments) {
     const bool isAll = arguments.words.size() < 2;
-    const Command* const one = isAll ? nullptr : commandOf(arguments.words[1]);
-    if (!isAll && one == nullptr) {
-        return kUsageError;
-    }
+    const Command* const one = isAll ? nullptr : &commandOf(arguments.words[1]);
     print(isAll
               ? kSynopsis
               : std::string("usage: console-status ") + one->name + " " + one->arguments + "\n\n");
@@ -81,55 +78,44 @@ int help(const Arguments& arguments) {
     return kDone;
 }
 
-// What is wrong with the arguments for a command; nothing if they are right.
-std::string mistake(const Command& command, const Arguments& arguments) {
+// Throws if the arguments aren't those of the command.
+void check(const Command& command, const Arguments& arguments) {
     const std::string name = command.name;
     for (const Option& option : options()) {
         if (arguments.has(option.letter) && !takes(command, option)) {
-            return name + " takes no --" + option.name;
+            throw UsageError(name + " takes no --" + option.name);
         }
     }
     const std::string wanted = command.arguments;
     const auto most = std::ranges::count(wanted, ' ') + (wanted.empty() ? 0 : 1);
     const auto least = most - std::ranges::count(wanted, '[');
     const auto given = std::max<std::ptrdiff_t>(std::ssize(arguments.words) - 1, 0);
-    const bool fits = given >= least && given <= most;
-    return fits ? "" : name + " takes " + (most == 0 ? "no arguments" : wanted);
+    if (given < least || given > most) {
+        throw UsageError(name + " takes " + (most == 0 ? "no arguments" : wanted));
+    }
 }
 
-int run(const Arguments& arguments) {
+int run(int count, char** words) {
+    const Arguments arguments = parse(count, words);
     if (arguments.has('V')) {
         print("console-status " CONSOLE_STATUS_VERSION "\n");
         return kDone;
     }
-    const bool named = !arguments.words.empty();
     if (arguments.has('h')) {
         Arguments about{{"help"}, {}};
         about.words.insert(about.words.end(), arguments.words.begin(), arguments.words.end());
         return help(about);
     }
-    const Command* const command = named ? commandOf(arguments.words[0]) : &kReport;
-    if (command == nullptr) {
-        return kUsageError;
-    }
-    const std::string wrong = mistake(*command, arguments);
-    return wrong.empty() ? command->run(arguments) : fail(wrong, kUsageError);
-}
-
-int runLine(int count, char** words) {
-    try {
-        const auto arguments = parse(count, words);
-        return arguments ? run(*arguments) : kUsageError;
-    } catch (const std::exception& error) {
-        return fail(error.what());
-    }
+    const Command& command = arguments.words.empty() ? kReport : commandOf(arguments.words[0]);
+    check(command, arguments);
+    return command.run(arguments);
 }
 
 }  // namespace
 
-int fail(const std::string& message, int status) {
+int fail(const std::string& message) {
     std::fprintf(stderr, "console-status: %s\n", message.c_str());
-    return status;
+    return kFailed;
 }
 
 std::string quoted(const std::string& text) {
@@ -142,7 +128,14 @@ void print(const std::string& text) {
 
 int main(int count, char** words) {
     setUpTerminal();
-    const int status = runLine(count, words);
+    int status = kUsageError;
+    try {
+        status = run(count, words);
+    } catch (const UsageError& error) {
+        fail(error.what());
+    } catch (const std::exception& error) {
+        status = fail(error.what());
+    }
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::perror("console-status: output");
         return kFailed;

@@ -4,12 +4,18 @@
 #include <map>
 #include <optional>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 constexpr int kDone = 0;
 constexpr int kFailed = 1;      // or a part of it
 constexpr int kUsageError = 2;  // an argument can't be understood
+
+// Ends the program with its message and kUsageError; any other exception with kFailed.
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 struct Option {
     char letter;
@@ -27,13 +33,12 @@ struct Arguments {
     std::string value(char letter, const char* otherwise) const {
         return has(letter) ? options.at(letter) : otherwise;
     }
-    // Nothing, after a message, if the value is no whole number from 1.
-    std::optional<int> seconds(char letter, const char* otherwise) const;
+    // A whole number from 1.
+    int seconds(char letter, const char* otherwise) const;
 };
 
-// Nothing, after a message, if an option is wrong. Options may stand anywhere; a negative number is
-// none, and "--" ends them.
-std::optional<Arguments> parse(int count, char** words);
+// Options may stand anywhere; a negative number is none, and "--" ends them.
+Arguments parse(int count, char** words);
 
 struct Command {
     const char* name;
@@ -45,8 +50,8 @@ struct Command {
 
 void print(const std::string& text);
 
-// A message on stderr; gives the status.
-int fail(const std::string& message, int status = kFailed);
+// A message on stderr; gives kFailed.
+int fail(const std::string& message);
 
 // Between single quotes, fit to be shown.
 std::string quoted(const std::string& text);
@@ -54,18 +59,17 @@ std::string quoted(const std::string& text);
 // "; did you mean ...?" with the one of the names that comes closest, or nothing.
 std::string suggestion(const std::string& given, const std::vector<std::string>& names);
 
-// The row of that name; null after a message that there is no such thing.
+// The row of that name.
 template <typename Row>
-const Row* find(std::span<const Row> rows, const std::string& name, const std::string& thing) {
+const Row& find(std::span<const Row> rows, const std::string& name, const std::string& thing) {
     std::vector<std::string> names;
     for (const Row& row : rows) {
         if (name == row.name) {
-            return &row;
+            return row;
         }
         names.emplace_back(row.name);
     }
-    fail("there is no " + thing + " " + quoted(name) + suggestion(name, names));
-    return nullptr;
+    throw UsageError("there is no " + thing + " " + quoted(name) + suggestion(name, names));
 }
 
 // The whole number that a text is.

@@ -64,8 +64,8 @@ Json readStorage() {
 }
 
 // The numbers of the processors that are online, from where the library has their load.
-std::vector<int> onlineProcessors() {
-    std::vector<int> numbers;
+Json onlineProcessors() {
+    Json numbers = Json::array();
     std::ifstream figures("/proc/stat");
     for (std::string word; figures >> word;) {
         const auto number = numberOf(word.substr(std::min<size_t>(word.size(), 3)));
@@ -84,20 +84,21 @@ Json ratio(long double value) {
 Json readLoad() {
     int32_t count = 0;
     const long double* load = CML_getAllCPUUsage(&count);
-    std::vector<int> processors = onlineProcessors();
-    const auto isEach = [&] { return processors.size() + 1 == static_cast<size_t>(count); };
+    Json processors = onlineProcessors();
     // The first call has no interval yet, and one that finds a processor gone or come gives the
     // figures of before.
-    if (!isEach()) {
+    if (std::ssize(processors) + 1 != count) {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         load = CML_getAllCPUUsage(&count);
         processors = onlineProcessors();
     }
+    if (std::ssize(processors) + 1 != count) {
+        processors = Json(static_cast<size_t>(count), Json());  // unknown
+    }
     Json each = Json::array();
     for (int32_t i = 1; i < count; ++i) {
-        const auto index = static_cast<size_t>(i - 1);
         each.push_back(
-            {{"processor", isEach() ? Json(processors[index]) : Json()}, {"load", ratio(load[i])}});
+            {{"processor", processors[static_cast<size_t>(i) - 1]}, {"load", ratio(load[i])}});
     }
     return {{"all", count == 1 ? Json() : ratio(load[0])}, {"processors", each}};
 }
@@ -143,12 +144,12 @@ Row meter(const std::string& name, const Json& share, bool isUrgent, const std::
 Row meterOf(const char* name, const Json& space, const std::string& part, bool isUrgent) {
     const Json& total = space["total_bytes"];
     const Json& bytes = space[part + "_bytes"];
-    if (bytes.is_null()) {
-        return meter(name, bytes, isUrgent,
-                     total.is_null() ? "can't be measured" : sizeText(total) + " or more");
+    if (total.is_null()) {
+        return meter(name, total, isUrgent, "can't be measured");
     }
-    return meter(name, bytes.get<double>() / total.get<double>(), isUrgent,
-                 sizeText(bytes) + " of " + sizeText(total) + " " + part);
+    return bytes.is_null() ? meter(name, bytes, isUrgent, sizeText(total) + " or more")
+                           : meter(name, bytes.get<double>() / total.get<double>(), isUrgent,
+                                   sizeText(bytes) + " of " + sizeText(total) + " " + part);
 }
 
 std::string showMeters(const Json& device) {
@@ -163,7 +164,7 @@ std::string showMeters(const Json& device) {
     return tableOf({"", "", ">", ""}, rows);
 }
 
-void read(Json& report, const std::optional<Names>&) {
+void read(Json& report, const Json&) {
     Json& device = report["device"];
     device = readSoftware();
     device["load"] = readLoad();

@@ -30,13 +30,10 @@ int pingHost(const Arguments& arguments) {
     const std::string& host = arguments.words[1];
     const std::string port = arguments.value('p', "");
     if (!isPlain(host) || (arguments.has('p') && !isPlain(port))) {
-        return fail(quoted(isPlain(host) ? port : host) + " is no name or address", kUsageError);
+        throw UsageError(quoted(isPlain(host) ? port : host) + " is no name or address");
     }
-    const auto timeout = arguments.seconds('t', "2");
-    if (!timeout) {
-        return kUsageError;
-    }
-    const int32_t status = CML_getHostAvailable(host.c_str(), *timeout, port.c_str());
+    const int32_t status =
+        CML_getHostAvailable(host.c_str(), arguments.seconds('t', "2"), port.c_str());
     const Json told = {{"host", host}, {"available", status == 0}};
     print(arguments.has('j') ? jsonText(told) : host + " " + outcomeOf(status) + "\n");
     return status == 0 ? kDone : kFailed;

@@ -45,10 +45,10 @@ Json readPort(const char* port) {
             {"tx_bytes", counted(sent)}};
 }
 
-// Tells on a terminal how far a long reading has come.
+// Tells whoever waits at a terminal how far a long reading has come.
 void tellProgress(size_t done, size_t all) {
     constexpr size_t kMany = 20;
-    if (all < kMany || !isTerminal() || isatty(STDERR_FILENO) != 1) {
+    if (all < kMany || isatty(STDERR_FILENO) != 1) {
         return;
     }
     const std::string text =
@@ -77,15 +77,13 @@ Cell rateCell(const Json& rate) {
     return rate.is_null() ? Cell(rate) : Cell(sizeText(rate) + "/s");
 }
 
-void read(Json& report, const std::optional<Names>& ports) {
-    Json told = ports ? Json::array() : Json();
-    const size_t all = ports ? ports->size() : 0;
-    for (size_t i = 0; i < all; ++i) {
-        tellProgress(i, all);
-        told.push_back(readPort((*ports)[i].c_str()));
+void read(Json& report, const Json& ports) {
+    Json& told = report["ports"] = ports;
+    for (size_t i = 0; i < ports.size(); ++i) {
+        tellProgress(i, ports.size());
+        told[i] = readPort(ports[i].get_ref<const std::string&>().c_str());
     }
-    tellProgress(all, all);
-    report["ports"] = told;
+    tellProgress(ports.size(), ports.size());
 }
 
 std::string show(const Json& report) {
@@ -109,12 +107,12 @@ std::string show(const Json& report) {
 
 }  // namespace
 
-std::optional<Names> portNames() {
+Json portNames() {
     try {
         return take(CML_getNetworkPortsList(0));
     } catch (const std::filesystem::filesystem_error& failure) {
         fail(std::string("the ports can't be listed: ") + failure.what());
-        return std::nullopt;
+        return nullptr;
     }
 }
 

@@ -37,7 +37,7 @@ Sections sectionsOf(const Arguments& arguments) {
 Json read(const Sections& sections) {
     Json report;
     const bool needed = std::ranges::any_of(sections, &Section::usesPorts);
-    const auto ports = needed ? portNames() : std::nullopt;
+    const Json ports = needed ? portNames() : Json();
     for (const Section* section : sections) {
         section->read(report, ports);
     }
@@ -116,18 +116,8 @@ std::string screenOf(const std::string& text) {
     return screen + "\033[J";
 }
 
-// The signal that came before the time, or 0; the signals must be blocked. A stop of the process
-// ends the wait, too.
-int signalBefore(Clock::time_point time, const sigset_t& signals) {
-    const auto left = std::max(time - Clock::now(), Clock::duration::zero());
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(left);
-    const timespec timeout{static_cast<std::time_t>(seconds.count()),
-                           static_cast<long>(std::chrono::nanoseconds(left - seconds).count())};
-    return std::max(sigtimedwait(&signals, nullptr, &timeout), 0);
-}
-
 // Shows the sections again and again until SIGINT comes; a report that has begun is finished.
-int watch(const Sections& sections, std::chrono::seconds interval, bool asJson) {
+int watch(const Sections& sections, int seconds, bool asJson) {
     const bool inPlace = !asJson && obeysSequences();
     sigset_t signals;
     sigemptyset(&signals);
@@ -135,6 +125,7 @@ int watch(const Sections& sections, std::chrono::seconds interval, bool asJson) 
     sigaddset(&signals, inPlace ? SIGWINCH : SIGINT);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
     print(std::string(inPlace ? terminalRows() : 0, '\n'));  // keeps what is on the screen
+    const timespec interval{seconds, 0};
     Json report;
     auto time = Clock::now();
     for (int signal = 0; signal != SIGINT;) {
@@ -149,7 +140,9 @@ int watch(const Sections& sections, std::chrono::seconds interval, bool asJson) 
         const std::string text =
             timeText("%F %T   Ctrl-C ends\n", std::localtime) + textOf(sections, report);
         print(asJson ? jsonText(line, -1) : inPlace ? screenOf(text) : "\n" + text);
-        signal = std::fflush(stdout) == 0 ? signalBefore(time + interval, signals) : SIGINT;
+        // A wait that a stop of the process ends is over, too.
+        signal = std::fflush(stdout) == 0 ? std::max(sigtimedwait(&signals, nullptr, &interval), 0)
+                                          : SIGINT;
     }
     print(inPlace ? "\n" : "");
     return statusOf(report);
@@ -179,8 +172,7 @@ int reportSections(const Arguments& arguments) {
     const Sections sections = sectionsOf(arguments);
     const bool asJson = arguments.has('j');
     if (arguments.has('w')) {
-        const auto seconds = arguments.seconds('w', "");
-        return seconds ? watch(sections, std::chrono::seconds(*seconds), asJson) : kUsageError;
+        return watch(sections, arguments.seconds('w', ""), asJson);
     }
     const Json report = read(sections);
     print(asJson ? jsonText(report) : textOf(sections, report));

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +14,7 @@ struct Section {
     bool usesPorts;
     // Adds its keys. What isn't there is null. An "error" that isn't null, at whatever depth, tells
     // that something couldn't be read, and so does a section that is null as a whole.
-    void (*read)(Json& report, const std::optional<Names>& ports);
+    void (*read)(Json& report, const Json& ports);
     // With a heading. Gets what was read; --watch adds rates to it, and a "history" of the last
     // reports, with which it shows what changes alone.
     std::string (*show)(const Json& report);
@@ -25,8 +24,9 @@ extern const Section kDeviceSection;
 extern const Section kPortsSection;
 extern const Section kWifiSection;
 
-// The device's network ports; nothing, after a message on stderr, if they can't be listed.
-std::optional<Names> portNames();
+// The names of the device's network ports; null, after a message on stderr, if they can't be
+// listed.
+Json portNames();
 
 // The texts of a list that the library has made; frees it.
 Names take(char** list);

@@ -44,97 +44,25 @@ int32_t setText(const char* node, const Json& value) {
     return call<kSet>(node, value.get_ref<const std::string&>().c_str());
 }
 
-#define WORD(family, word) \
-    { CML_##family##_##word, #word }
-constexpr Word kTruth[] = {{0, "false"}, {1, "true"}};
-constexpr Word kClearControl[] = {WORD(DESTINATION_CLEAR_CONTROL, DISABLE),
-                                  WORD(DESTINATION_CLEAR_CONTROL, ENABLE),
-                                  WORD(DESTINATION_CLEAR_CONTROL, PROMPT)};
-constexpr Word kDateFormat[] = {WORD(DATE_FORMAT, DDMMYY), WORD(DATE_FORMAT, DDMMYYYY),
-                                WORD(DATE_FORMAT, MMDDYYYY), WORD(DATE_FORMAT, YYYYMMDD)};
-constexpr Word kDestinationMode[] = {WORD(DRIVER_DESTINATION_SELECTION_MODE, ENTER_BY_NUMBER),
-                                     WORD(DRIVER_DESTINATION_SELECTION_MODE, BROWSE_FROM_LIST)};
-constexpr Word kInformationMode[] = {WORD(DRIVER_INFORMATION_SELECTION_MODE, ENTER_BY_NUMBER),
-                                     WORD(DRIVER_INFORMATION_SELECTION_MODE, BROWSE_FROM_LIST)};
-constexpr Word kTheme[] = {WORD(THEME, LIGHT), WORD(THEME, DARK), WORD(THEME, AUTO)};
-constexpr Word kAutoTheme[] = {WORD(AUTO_THEME, LIGHT), WORD(AUTO_THEME, DARK),
-                               WORD(AUTO_THEME, AUTO)};
-constexpr Word kHotKeyIcon[] = {WORD(QOR_HOT_KEY_ICON, DEFAULT),
-                                WORD(QOR_HOT_KEY_ICON, AUDIO_ANNOUNCEMENT)};
-
 // clang-format off
-#define ROW(name, database, words, get, set, nodes)                                              \
-    {#name, &database, words, DAL_CML_get##name##Default(), get<DAL_CML_get##name>,              \
-     set<DAL_CML_set##name>, call<DAL_CML_delete##name>, call<DAL_CML_is##name##Present>, nodes}
-#define NODES(name)                                                                              \
-    Nodes{DAL_CML_list##name##Nodes, DAL_CML_is##name##NodePresent, DAL_CML_delete##name##Node,  \
-          DAL_CML_deleteAll##name##Nodes}
-#define NUMBER(name) ROW(name, kPersistent, {}, getNumber, setNumber, {})
-#define TEXT(name) ROW(name, kPersistent, {}, getText, setText, {})
-#define WORDS_OF(words, name) ROW(name, kPersistent, words, getNumber, setNumber, {})
-#define TRUTH(name) WORDS_OF(kTruth, name)
-#define NUMBERS(name, list) ROW(name, kPersistent, {}, getNumber, setNumber, NODES(list))
-#define TEXTS(name, list) ROW(name, kPersistent, {}, getText, setText, NODES(list))
+#define NODES(list)                                                                              \
+    Nodes{DAL_CML_list##list##Nodes, DAL_CML_is##list##NodePresent, DAL_CML_delete##list##Node,  \
+          DAL_CML_deleteAll##list##Nodes}
+#define ROW(name, Kind, nodes, ...)                                                              \
+    {#name, {__VA_ARGS__}, DAL_CML_get##name##Default(), get##Kind<DAL_CML_get##name>,           \
+     set##Kind<DAL_CML_set##name>, call<DAL_CML_delete##name>, call<DAL_CML_is##name##Present>, nodes}
 // clang-format on
 
 }  // namespace
 
 const std::vector<Setting> kSettings = {
-    TRUTH(AllowControlOfDestinations),
-    TRUTH(AllowDriverReboot),
-    TRUTH(AllowDriverToAdjustBrightness),
-    TRUTH(AllowMultipleMessages),
-    ROW(AutoTheme, kVolatile, kAutoTheme, getNumber, setNumber, {}),
-    TRUTH(BeepsOnUsbUpdate),
-    WORDS_OF(kDateFormat, DateFormat),
-    TRUTH(DestinationChangeRequiresPassword),
-    WORDS_OF(kClearControl, DestinationClearControl),
-    NUMBER(DisplayInactivityTimeout),
-    NUMBER(DisplayOffTimeout),
-    WORDS_OF(kDestinationMode, DriverDestinationSelectionMode),
-    NUMBER(DriverDisplayRenderMode),
-    NUMBER(DriverDisplaySource),
-    WORDS_OF(kInformationMode, DriverInformationSelectionMode),
-    TEXT(DriverMessageTextEncoding),
-    TRUTH(DriverQorTerminalPermission),
-    TRUTH(EnableDriverIdEntry),
-    TRUTH(EnableDriverPasswordLogin),
-    TRUTH(EnableServiceIdEntry),
-    TRUTH(EnableVirtualQorTerminal),
-    NUMBER(HomeScreenIconBarQty),
-    TEXT(HomeScreenIconOrder),
-    TRUTH(InformationChangeRequiresPassword),
-    TEXT(Language),
-    NUMBER(MaintenanceTimeout),
-    WORDS_OF(kHotKeyIcon, QorHotKeyIcon),
-    TRUTH(QorHotKeySelectEnabled),
-    TRUTH(RoundTripEnable),
-    TRUTH(RoundTripOrientation),
-    TRUTH(ShowCustomSplash),
-    TRUTH(ShowHomeScreenDateTime),
-    TRUTH(ShowPassengerCountTile),
-    TRUTH(ShowProfilesListByDefault),
-    TRUTH(ShowToggleThemeIcon),
-    TRUTH(SignTestMaintenanceLock),
-    WORDS_OF(kTheme, Theme),
-    TRUTH(TimeFormat),
-    TRUTH(TouchScreenClick),
-    TRUTH(UsbUpdateRequiresPassword),
-    TRUTH(UseCodeEntryKeypad),
-    TRUTH(UseHomeCodeBrowseControls),
-    NUMBER(UserInterfaceRevision),
-    TRUTH(WakeOnRemoteAction),
-    NUMBERS(BrowserDestinationHideItem, BrowserDestinationHideList),
-    NUMBERS(BrowserInformationHideItem, BrowserInformationHideList),
-    TEXTS(HomeScreenIcon, HomeScreenIcons),
-    TEXTS(IconsMenuFavourite, IconsMenuFavourites),
-    TEXTS(QorHotKeySelectListItem, QorHotKeySelectList),
+#include "setting_rows.inc"
 };
 
 Json wordOf(const Setting& setting, const Json& value) {
-    for (const Word& word : setting.words) {
-        if (value == word.number) {
-            return word.word;
+    for (const auto& [word, number] : setting.words.items()) {
+        if (value == number) {
+            return word;
         }
     }
     return nullptr;
@@ -153,20 +81,20 @@ Json readSetting(const Setting& setting, bool usable, const char* node) {
     if (setting.isList() && node == nullptr) {
         return {{"nodes", usable ? nodesOf(setting) : Json()},
                 {"default", setting.fallback},
-                {"database", setting.database->name}};
+                {"database", setting.database().name}};
     }
     const Json value = usable ? setting.get(node) : Json();
     Json words;
-    for (const Word& word : setting.words) {
-        words.push_back(word.word);
+    for (const auto& [word, number] : setting.words.items()) {
+        words.push_back(word);
     }
     return {{"value", value},
             {"word", wordOf(setting, value)},
             {"words", words},
             {"default", setting.fallback},
             {"default_word", wordOf(setting, setting.fallback)},
-            {"stored", value.is_null() ? Json() : Json(setting.isPresent(node) == 1)},
-            {"database", setting.database->name}};
+            {"stored", value.is_null() ? Json() : Json(setting.isPresent(node) != 0)},
+            {"database", setting.database().name}};
 }
 
 std::string textOf(const Json& told) {

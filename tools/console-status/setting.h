@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -20,14 +19,8 @@ extern const Database kVolatile;
 // Why something on a database fails, as far as the file system tells.
 std::string whyUnusable(const Database& database);
 
-// That as a sentence, or nothing if the database can be used.
-std::optional<std::string> troubleOf(const Database& database);
-
-// A number that has a name.
-struct Word {
-    int32_t number;
-    const char* word;
-};
+// That as a sentence, or null if the database can be used.
+Json troubleOf(const Database& database);
 
 // What only a list has.
 struct Nodes {
@@ -40,9 +33,8 @@ struct Nodes {
 // A setting of one value, or a list with a value for each node. The functions of a setting take no
 // notice of the node.
 struct Setting {
-    const char* name;
-    const Database* database;
-    std::span<const Word> words;    // none where any number or text will do
+    std::string name;
+    Json words;                     // with their numbers; null where any number or text will do
     Json fallback;                  // the default, which tells numbers from texts, too
     Json (*get)(const char* node);  // null if it can't be read
     int32_t (*set)(const char* node, const Json& value);
@@ -51,6 +43,7 @@ struct Setting {
     std::optional<Nodes> nodes;
 
     bool isList() const { return nodes.has_value(); }
+    const Database& database() const { return name == "AutoTheme" ? kVolatile : kPersistent; }
 };
 
 // Settings first, then lists.

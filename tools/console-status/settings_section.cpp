@@ -3,24 +3,18 @@
 
 namespace {
 
-const char* kindOf(const Setting& setting) {
-    return setting.isList() ? "lists" : "settings";
-}
-
-void read(Json& report, const std::optional<Names>&) {
+void read(Json& report, const Json&) {
     Json databases;
     for (const Database* database : {&kPersistent, &kVolatile}) {
-        const auto trouble = troubleOf(*database);
-        databases[database->name] = {{"path", database->path},
-                                     {"error", trouble ? Json(*trouble) : Json()}};
+        databases[database->name] = {{"path", database->path}, {"error", troubleOf(*database)}};
     }
     Json told = {{"settings", Json()}, {"lists", Json()}};
     for (const Setting& setting : kSettings) {
-        Json& error = databases[setting.database->name]["error"];
-        Json& entry = told[kindOf(setting)][setting.name];
+        Json& error = databases[setting.database().name]["error"];
+        Json& entry = told[setting.isList() ? "lists" : "settings"][setting.name];
         entry = readSetting(setting, error.is_null());
         if (error.is_null() && entry.front().is_null()) {
-            error = std::string("can't read ") + setting.name;
+            error = "can't read " + setting.name;
         }
     }
     report["databases"] = databases;
@@ -34,19 +28,16 @@ std::string show(const Json& report) {
         troubles += error.is_null() ? "" : paragraph({error.get<std::string>(), kYellow});
     }
     std::vector<Row> values;
-    std::vector<Row> lists;
-    for (const Setting& setting : kSettings) {
-        const Json& told = report[kindOf(setting)][setting.name];
-        if (told.front().is_null()) {
-            continue;
+    for (const auto& [name, told] : report["settings"].items()) {
+        if (const bool isStored = told["stored"] == true; !told["value"].is_null()) {
+            values.push_back(
+                {name, {isStored ? "stored" : "default", isStored ? kGreen : kDim}, textOf(told)});
         }
-        if (setting.isList()) {
-            lists.push_back({setting.name, std::to_string(told["nodes"].size())});
-        } else {
-            const bool isStored = told["stored"] == true;
-            values.push_back({setting.name,
-                              {isStored ? "stored" : "default", isStored ? kGreen : kDim},
-                              textOf(told)});
+    }
+    std::vector<Row> lists;
+    for (const auto& [name, told] : report["lists"].items()) {
+        if (!told["nodes"].is_null()) {
+            lists.push_back({name, std::to_string(told["nodes"].size())});
         }
     }
     return title("Settings") + troubles + tableOf({"Setting", "State", "Value"}, values) +

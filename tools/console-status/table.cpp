@@ -50,10 +50,10 @@ std::string wrapped(const Cell& cell, size_t indent) {
 }
 
 // How many columns fit the terminal, one at least.
-size_t countOf(const std::vector<size_t>& widths, bool lastWraps) {
+size_t countOf(const std::vector<size_t>& widths) {
     size_t left = terminalColumns();
     for (size_t i = 0; i < widths.size(); ++i) {
-        const bool wraps = lastWraps && i + 1 == widths.size();
+        const bool wraps = i + 1 == widths.size();
         const size_t need = 2 + (wraps ? std::min(widths[i], kLeastRoom) : widths[i]);
         if (need > left) {
             return std::max<size_t>(i, 1);
@@ -123,7 +123,7 @@ std::string tableOf(const Names& headings, const std::vector<Row>& rows) {
         }
         widths.push_back(width);
     }
-    widths.resize(countOf(widths, !headings.back().starts_with('>')));
+    widths.resize(countOf(widths));
     std::string text = lineOf(front, widths, headings);
     for (const Row& row : rows) {
         text += lineOf(row, widths, headings) + linesBelow(row, widths.size(), front);

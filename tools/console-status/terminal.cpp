@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdint>
@@ -20,14 +19,7 @@ std::string variable(const char* name) {
     return value != nullptr ? value : "";
 }
 
-// A serial line has no size of its own.
-size_t sizeOr(unsigned short told, const char* name, size_t usual) {
-    const std::string text = variable(name);
-    size_t size = 0;
-    std::from_chars(text.data(), text.data() + text.size(), size);
-    return told > 0 ? told : size > 0 ? size : usual;
-}
-
+// A serial line's is 0, until stty gives it one.
 winsize toldSize() {
     winsize size{};
     ioctl(STDOUT_FILENO, TIOCGWINSZ, &size);
@@ -54,11 +46,13 @@ bool obeysSequences() {
 }
 
 size_t terminalColumns() {
-    return isTerminal() ? sizeOr(toldSize().ws_col, "COLUMNS", 80) : SIZE_MAX;
+    const size_t columns = toldSize().ws_col;
+    return !isTerminal() ? SIZE_MAX : columns > 0 ? columns : 80;
 }
 
 size_t terminalRows() {
-    return sizeOr(toldSize().ws_row, "LINES", 24);
+    const size_t rows = toldSize().ws_row;
+    return rows > 0 ? rows : 24;
 }
 
 std::string styled(const char* style, const std::string& text) {

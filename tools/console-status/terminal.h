@@ -11,8 +11,8 @@ void setUpTerminal();
 bool isTerminal();
 bool obeysSequences();
 
-// Size of the terminal; of a serial line, which has none, COLUMNS and LINES or 80 and 24. Where
-// standard output is no terminal there is no limit to a line.
+// Size of the terminal; of a serial line, for which nobody has set one, 80 and 24. Where standard
+// output is no terminal there is no limit to a line.
 size_t terminalColumns();
 size_t terminalRows();
 

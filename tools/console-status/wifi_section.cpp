@@ -124,14 +124,13 @@ std::string showNetworks(const Json& told) {
            (more == 0 ? "" : paragraph(more.dump() + " more are not shown"));
 }
 
-void read(Json& report, const std::optional<Names>& ports) {
-    Json told = ports ? Json::array() : Json();
-    for (const std::string& port : ports.value_or(Names())) {
+void read(Json& report, const Json& ports) {
+    Json& told = report["wifi"] = ports.is_null() ? Json() : Json::array();
+    for (const std::string port : ports) {
         if (std::filesystem::exists("/sys/class/net/" + port + "/phy80211")) {
             told.push_back(readLink(port));
         }
     }
-    report["wifi"] = told;
 }
 
 std::string show(const Json& report) {

@@ -164,7 +164,7 @@ std::string showMeters(const Json& device) {
     return tableOf({"", "", ">", ""}, rows);
 }
 
-void read(Json& report, const Json&) {
+void readDevice(Json& report, const Json&) {
     Json& device = report["device"];
     device = readSoftware();
     device["load"] = readLoad();
@@ -172,7 +172,7 @@ void read(Json& report, const Json&) {
     device["storage"] = readStorage();
 }
 
-std::string show(const Json& report) {
+std::string showDevice(const Json& report) {
     const Json& device = report["device"];
     const bool watched = device["load"].contains("history");
     return title("Device") + (watched ? "" : showSoftware(device) + "\n") + showMeters(device);
@@ -180,4 +180,4 @@ std::string show(const Json& report) {
 
 }  // namespace
 
-const Section kDeviceSection = {"device", false, read, show};
+const Section kDeviceSection = {"device", false, readDevice, showDevice};

@@ -77,7 +77,7 @@ Cell rateCell(const Json& rate) {
     return rate.is_null() ? Cell(rate) : Cell(sizeText(rate) + "/s");
 }
 
-void read(Json& report, const Json& ports) {
+void readPorts(Json& report, const Json& ports) {
     Json& told = report["ports"] = ports;
     for (size_t i = 0; i < ports.size(); ++i) {
         tellProgress(i, ports.size());
@@ -86,7 +86,7 @@ void read(Json& report, const Json& ports) {
     tellProgress(ports.size(), ports.size());
 }
 
-std::string show(const Json& report) {
+std::string showPorts(const Json& report) {
     const Json& ports = report["ports"];
     const bool watched = !ports.empty() && ports[0].contains("history");
     std::vector<Row> rows;
@@ -116,4 +116,4 @@ Json portNames() {
     }
 }
 
-const Section kPortsSection = {"ports", true, read, show};
+const Section kPortsSection = {"ports", true, readPorts, showPorts};

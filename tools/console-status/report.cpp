@@ -34,7 +34,7 @@ Sections sectionsOf(const Arguments& arguments) {
     return sections;
 }
 
-Json read(const Sections& sections) {
+Json readAll(const Sections& sections) {
     Json report;
     const bool needed = std::ranges::any_of(sections, &Section::usesPorts);
     const Json ports = needed ? portNames() : Json();
@@ -44,7 +44,7 @@ Json read(const Sections& sections) {
     return report;
 }
 
-std::string textOf(const Sections& sections, const Json& report) {
+std::string showAll(const Sections& sections, const Json& report) {
     std::string text;
     for (const Section* section : sections) {
         text += section->show(report);
@@ -130,7 +130,7 @@ int watch(const Sections& sections, int seconds, bool asJson) {
     auto time = Clock::now();
     for (int signal = 0; signal != SIGINT;) {
         if (signal == 0) {
-            Json past = std::exchange(report, read(sections));
+            Json past = std::exchange(report, readAll(sections));
             const std::chrono::duration<double> passed =
                 Clock::now() - std::exchange(time, Clock::now());
             addPast(report, past, passed.count());
@@ -138,7 +138,7 @@ int watch(const Sections& sections, int seconds, bool asJson) {
         Json line = {{"time", timeText("%FT%TZ", std::gmtime)}};
         line.update(report);
         const std::string text =
-            timeText("%F %T   Ctrl-C ends\n", std::localtime) + textOf(sections, report);
+            timeText("%F %T   Ctrl-C ends\n", std::localtime) + showAll(sections, report);
         print(asJson ? jsonText(line, -1) : inPlace ? screenOf(text) : "\n" + text);
         // A wait that a stop of the process ends is over, too.
         signal = std::fflush(stdout) == 0 ? std::max(sigtimedwait(&signals, nullptr, &interval), 0)
@@ -174,7 +174,7 @@ int reportSections(const Arguments& arguments) {
     if (arguments.has('w')) {
         return watch(sections, arguments.seconds('w', ""), asJson);
     }
-    const Json report = read(sections);
-    print(asJson ? jsonText(report) : textOf(sections, report));
+    const Json report = readAll(sections);
+    print(asJson ? jsonText(report) : showAll(sections, report));
     return statusOf(report);
 }

@@ -46,7 +46,7 @@ Json valueOf(const Setting& setting, const std::string& text) {
                      quoted(text) + suggestion(text, words));
 }
 
-int show(const Target& target, bool asJson) {
+int showValue(const Target& target, bool asJson) {
     const Json told = readSetting(target.setting, true, target.node);
     if (told.front().is_null()) {
         return resultOf("read", target, false);
@@ -87,7 +87,7 @@ bool holdsValues(const Setting& setting) {
 
 int useSetting(const Arguments& arguments) {
     const std::string& what = arguments.words[0];
-    const Setting& setting = find<Setting>(kSettings, arguments.words[1], "setting or list");
+    const auto& setting = find<Setting>(kSettings, arguments.words[1], "setting or list");
     const std::string& name = setting.name;
     const bool ofWhole = what == "list" || what == "clear";
     const bool hasNode = arguments.words.size() == (what == "set" ? 4 : 3);
@@ -110,7 +110,7 @@ int useSetting(const Arguments& arguments) {
         return fail("there is no " + target.name);
     }
     if (what == "get" || what == "list") {
-        return show(target, arguments.has('j'));
+        return showValue(target, arguments.has('j'));
     }
     return resultOf(what, target,
                     (what == "reset"    ? setting.reset(node)

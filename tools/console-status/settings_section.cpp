@@ -3,7 +3,7 @@
 
 namespace {
 
-void read(Json& report, const Json&) {
+void readSettings(Json& report, const Json&) {
     Json databases;
     for (const Database* database : {&kPersistent, &kVolatile}) {
         databases[database->name] = {{"path", database->path}, {"error", troubleOf(*database)}};
@@ -21,7 +21,7 @@ void read(Json& report, const Json&) {
     report.update(told);
 }
 
-std::string show(const Json& report) {
+std::string showSettings(const Json& report) {
     std::string troubles;
     for (const Json& database : report["databases"]) {
         const Json& error = database["error"];
@@ -46,4 +46,4 @@ std::string show(const Json& report) {
 
 }  // namespace
 
-const Section kSettingsSection = {"settings", false, read, show};
+const Section kSettingsSection = {"settings", false, readSettings, showSettings};

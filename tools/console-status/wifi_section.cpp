@@ -24,7 +24,7 @@ bool isJoined(int32_t status) {
     return status == CML_BSS_STATUS_ASSOCIATED || status == CML_BSS_STATUS_IBSS_JOINED;
 }
 
-std::string textOf(const uint8_t (&bssid)[6]) {
+std::string bssidText(const uint8_t (&bssid)[6]) {
     char text[18];
     std::snprintf(text, sizeof text, "%02x:%02x:%02x:%02x:%02x:%02x", bssid[0], bssid[1], bssid[2],
                   bssid[3], bssid[4], bssid[5]);
@@ -37,7 +37,7 @@ Json linkOf(const wifi_station_record& station) {
     const auto known = [&](const Json& value) { return connected ? value : Json(); };
     return {{"connected", connected},
             {"ssid", known(orNull(station.ssid))},
-            {"bssid", known(textOf(station.bssid))},
+            {"bssid", known(bssidText(station.bssid))},
             {"signal_dbm", known(station.signal_dbm)},
             {"rx_packets", known(station.rx_packets)},
             {"tx_packets", known(station.tx_packets)}};
@@ -103,7 +103,7 @@ Json networksOf(std::vector<wifi_bss_record> records) {
     Json networks = Json::array();
     for (const wifi_bss_record& record : records) {
         networks.push_back({{"ssid", orNull(record.ssid)},
-                            {"bssid", textOf(record.bssid)},
+                            {"bssid", bssidText(record.bssid)},
                             {"frequency_mhz", record.frequency},
                             {"signal_dbm", record.signal_mbm / 100.0},
                             {"seen_ms_ago", record.seen_ms_ago},
@@ -124,7 +124,7 @@ std::string showNetworks(const Json& told) {
            (more == 0 ? "" : paragraph(more.dump() + " more are not shown"));
 }
 
-void read(Json& report, const Json& ports) {
+void readWifi(Json& report, const Json& ports) {
     Json& told = report["wifi"] = ports.is_null() ? Json() : Json::array();
     for (const std::string port : ports) {
         if (std::filesystem::exists("/sys/class/net/" + port + "/phy80211")) {
@@ -133,7 +133,7 @@ void read(Json& report, const Json& ports) {
     }
 }
 
-std::string show(const Json& report) {
+std::string showWifi(const Json& report) {
     std::vector<Row> rows;
     for (const Json& link : report["wifi"]) {
         rows.push_back({Cell(link["port"]),
@@ -151,7 +151,7 @@ std::string show(const Json& report) {
 
 }  // namespace
 
-const Section kWifiSection = {"wifi", true, read, show};
+const Section kWifiSection = {"wifi", true, readWifi, showWifi};
 
 int scanWifi(const Arguments& arguments) {
     const std::string& port = arguments.words[1];

@@ -8,7 +8,6 @@
 #include <barrier>
 #include <climits>
 #include <filesystem>
-#include <functional>
 #include <thread>
 
 #include "support/sqlite_query.h"
@@ -22,67 +21,49 @@ const KeyPath kSecond{{{LIST, "m"}, {"dal_key", "k"}}};
 const KeyPath kNode{{{LIST, "n"}}};
 const KeyPath kWholeList{{{LIST, nullptr}}};
 
+thread_local uint32_t word = 0;  // the caller's, for the library's use
+
 struct Gotten {
     int32_t value, result;
 };
 
 // The functions of a type and scope.
 struct Access {
-    const char* type;
-    std::function<int32_t(sqlite3*, const KeyPath*, int32_t value)> set;
-    std::function<Gotten(sqlite3*, const KeyPath*, int32_t initial)> get;
-    std::function<bool(sqlite3*, const KeyPath*)> isPresent;
-    std::function<int32_t(sqlite3*, const KeyPath*)> remove;
-    bool isProfiled;
+    const char* name;
+    int32_t (*set)(sqlite3*, const KeyPath*, int32_t value);
+    Gotten (*get)(sqlite3*, const KeyPath*, int32_t initial);
+    int32_t (*isPresent)(sqlite3*, const KeyPath*);
+    int32_t (*remove)(sqlite3*, const KeyPath*);
 };
 
-template <typename... Profile>
-Access number(const char* type, auto set, auto get, auto isPresent, auto remove,
-              Profile... profile) {
-    return {type,
-            [=](auto db, auto key, auto value) {
-                return set(db, key, value, 0, INT_MIN, INT_MAX, profile...);
-            },
-            [=](auto db, auto key, auto initial) {
-                Gotten gotten{-9, -9};
-                gotten.result = get(db, key, &gotten.value, initial, profile...);
-                return gotten;
-            },
-            [=](auto db, auto key) { return isPresent(db, key, profile...) != 0; },
-            [=](auto db, auto key) { return remove(db, key, profile...); },
-            sizeof...(profile) > 0};
-}
-
-// Numbers as strings, to which the library keeps no pointer.
-template <typename... Profile>
-Access string(auto set, auto get, auto isPresent, auto remove, Profile... profile) {
-    const auto setText = [=](auto db, auto key, int32_t value, auto...) {
-        return set(db, key, std::to_string(value).c_str(), 0, profile...);
-    };
-    const auto getText = [=](auto db, auto key, int32_t* value, int32_t initial, auto...) {
-        char text[16] = "-9";
-        uint32_t word = 0;
-        const int32_t result =
-            get(db, key, text, &word, sizeof text, std::to_string(initial).c_str(), profile...);
-        *value = std::atoi(text);
-        return result;
-    };
-    return number("String", setText, getText, isPresent, remove, profile...);
-}
-
-#define NAMES(Scope, Type, Limits)                                              \
-    DAL_set##Scope##Type##Limits, DAL_get##Scope##Type, DAL_is##Scope##Present, \
-        DAL_delete##Scope##Item
-const Access kAccesses[] = {
-    number("BOOL", NAMES(, TypeBOOL, Limits)),
-    number("BOOL", NAMES(Profiled, TypeBOOL, Limits), 0),
-    number("Int", NAMES(, TypeInt, Limits)),
-    number("Int", NAMES(Profiled, TypeInt, Limits), 0),
-    string(NAMES(, TypeString, )),
-    string(NAMES(Profiled, TypeString, ), 0),
-};
-const Access& kPlainInt = kAccesses[2];
-const Access& kInt = kAccesses[3];
+// clang-format off
+#define MORE(...) __VA_OPT__(,) __VA_ARGS__
+#define OF_EACH_TYPE(Scope, ...)                                                                       \
+    [](auto db, auto key) { return DAL_is##Scope##Present(db, key MORE(__VA_ARGS__)); },               \
+    [](auto db, auto key) { return DAL_delete##Scope##Item(db, key MORE(__VA_ARGS__)); }
+#define NUMBER(Scope, Type, ...)                                                                       \
+    {#Scope #Type, [](auto db, auto key, int32_t value) {                                              \
+         return DAL_set##Scope##Type##Limits(db, key, value, 0, INT_MIN, INT_MAX MORE(__VA_ARGS__));   \
+     }, [](auto db, auto key, int32_t initial) {                                                       \
+         int32_t value = -9;                                                                           \
+         const int32_t result = DAL_get##Scope##Type(db, key, &value, initial MORE(__VA_ARGS__));      \
+         return Gotten{value, result};                                                                 \
+     }, OF_EACH_TYPE(Scope, __VA_ARGS__)}
+// Numbers as texts, to which the library keeps no pointer.
+#define TEXT(Scope, ...)                                                                               \
+    {#Scope "TypeString", [](auto db, auto key, int32_t value) {                                       \
+         return DAL_set##Scope##TypeString(db, key, std::to_string(value).c_str(), 0 MORE(__VA_ARGS__)); \
+     }, [](auto db, auto key, int32_t initial) {                                                       \
+         char text[16] = "-9";                                                                         \
+         const int32_t result = DAL_get##Scope##TypeString(db, key, text, &word, sizeof text,          \
+                                                           std::to_string(initial).c_str() MORE(__VA_ARGS__)); \
+         return Gotten{std::atoi(text), result};                                                       \
+     }, OF_EACH_TYPE(Scope, __VA_ARGS__)}
+const Access kAccesses[] = {NUMBER(, TypeBOOL), NUMBER(, TypeInt), TEXT(),
+                            NUMBER(Profiled, TypeBOOL, 0), NUMBER(Profiled, TypeInt, 0), TEXT(Profiled, 0)};
+// clang-format on
+const Access& kPlainInt = kAccesses[1];
+const Access& kInt = kAccesses[4];
 constexpr int32_t kAbsent = -1;
 
 class DataAccessContract : public testing::Test {
@@ -113,9 +94,9 @@ class DataAccessContract : public testing::Test {
     void execute(const char* sql) { EXPECT_EQ(DAL_ExecuteQuery(db, sql), 0) << sql; }
     void expectStored(const Access& access, const KeyPath& key, int32_t value) {
         const Gotten got = access.get(db, &key, 5);
-        EXPECT_EQ(got.value, value == kAbsent ? 5 : value) << access.type;
-        EXPECT_TRUE(got.result == 0 || value == kAbsent) << access.type;
-        EXPECT_EQ(access.isPresent(db, &key), value != kAbsent) << access.type;
+        EXPECT_EQ(got.value, value == kAbsent ? 5 : value) << access.name;
+        EXPECT_TRUE(got.result == 0 || value == kAbsent) << access.name;
+        EXPECT_EQ(access.isPresent(db, &key) != 0, value != kAbsent) << access.name;
     }
 
     std::string folder = testing::TempDir() + "data-access-XXXXXX";
@@ -124,16 +105,16 @@ class DataAccessContract : public testing::Test {
 
 TEST_F(DataAccessContract, AnItemIsSetReplacedReadAndDeleted) {
     for (const Access& access : kAccesses) {
-        for (const KeyPath& key : {kPlain, access.isProfiled ? kItem : kPlain}) {
+        for (const KeyPath& key : {kPlain, &access < kAccesses + 3 ? kPlain : kItem}) {
             expectStored(access, key, kAbsent);
             for (const int32_t value : {1, 0}) {
-                EXPECT_EQ(access.set(db, &key, value), 0) << access.type;
+                EXPECT_EQ(access.set(db, &key, value), 0) << access.name;
                 expectStored(access, key, value);
             }
-            EXPECT_EQ(access.remove(db, &key), 0) << access.type;
+            EXPECT_EQ(access.remove(db, &key), 0) << access.name;
             expectStored(access, key, kAbsent);
-            EXPECT_EQ(access.set(db, &key, 1), 0) << access.type;
-            EXPECT_EQ(DAL_deleteProfiledItem(db, &key, DAL_ALL_PROFILES), 0) << access.type;
+            EXPECT_EQ(access.set(db, &key, 1), 0) << access.name;
+            EXPECT_EQ(DAL_deleteProfiledItem(db, &key, DAL_ALL_PROFILES), 0) << access.name;
             expectStored(access, key, kAbsent);
         }
     }
@@ -142,13 +123,12 @@ TEST_F(DataAccessContract, AnItemIsSetReplacedReadAndDeleted) {
 TEST_F(DataAccessContract, WithoutAConnectionAllFailsAndGettersDeliver) {
     for (const Access& access : kAccesses) {
         const Gotten got = access.get(nullptr, &kPlain, 5);
-        EXPECT_TRUE(got.value == 5 && got.result != 0) << access.type;
-        EXPECT_NE(access.set(nullptr, &kPlain, 1), 0) << access.type;
-        EXPECT_NE(access.remove(nullptr, &kPlain), 0) << access.type;
-        EXPECT_FALSE(access.isPresent(nullptr, &kPlain)) << access.type;
+        EXPECT_TRUE(got.value == 5 && got.result != 0) << access.name;
+        EXPECT_NE(access.set(nullptr, &kPlain, 1), 0) << access.name;
+        EXPECT_NE(access.remove(nullptr, &kPlain), 0) << access.name;
+        EXPECT_EQ(0, access.isPresent(nullptr, &kPlain)) << access.name;
     }
     char* text = nullptr;
-    uint32_t word = 0;
     EXPECT_NE(DAL_getTypeStringMalloc(nullptr, &kPlain, &text, &word), 0);
     EXPECT_NE(DAL_getProfiledTypeStringMalloc(nullptr, &kPlain, &text, &word, 0), 0);
     for (const auto function :
@@ -168,7 +148,6 @@ TEST_F(DataAccessContract, NumbersAndTextsComeBackAsTheyWere) {
     for (const std::string& value :
          {std::string(), std::string(5000, 'x'), std::string("'\xc3\xa9\" %s")}) {
         char* texts[2] = {};
-        uint32_t word = 0;
         EXPECT_EQ(DAL_setTypeString(db, &kPlain, value.c_str(), 0), 0);
         EXPECT_EQ(DAL_setProfiledTypeString(db, &kItem, value.c_str(), 0, 0), 0);
         EXPECT_EQ(DAL_getTypeStringMalloc(db, &kPlain, &texts[0], &word), 0);
@@ -230,17 +209,16 @@ TEST_F(DataAccessContract, ThreadsShareConnectionsAndHaveTheirOwn) {
     std::vector<std::jthread> threads;
     for (const Access& access : kAccesses) {
         threads.emplace_back([&] {
-            const std::string name = access.type + std::to_string(access.isProfiled);
-            const KeyPath key{{{"dal_key", name.c_str()}}};
+            const KeyPath key{{{"dal_key", access.name}}};
             for (size_t round = 0; round < fresh.size(); ++round) {
                 const auto value = static_cast<int32_t>(round % 2);
                 start.arrive_and_wait();
-                EXPECT_FALSE(access.isPresent(fresh[round], &key)) << name;
-                EXPECT_EQ(access.set(db, &key, value), 0) << name;
+                EXPECT_EQ(0, access.isPresent(fresh[round], &key)) << access.name;
+                EXPECT_EQ(access.set(db, &key, value), 0) << access.name;
                 for (int again = 0; again < 10; ++again) {
                     sqlite3* own = nullptr;
                     sqlite3_open(":memory:", &own);
-                    EXPECT_FALSE(access.isPresent(own, &key)) << name;
+                    EXPECT_EQ(0, access.isPresent(own, &key)) << access.name;
                     sqlite3_close(own);
                     expectStored(access, key, value);
                 }

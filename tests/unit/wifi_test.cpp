@@ -359,33 +359,27 @@ TEST_F(Wifi, WithoutAPortThereIsNoStatus) {
     CML_WifiStatus status{"x", 9, 9, 9};
     EXPECT_EQ(CML_getWifiStatus(nullptr, &status) + CML_getWifiStatus("wlan7", nullptr), 0);
     EXPECT_STREQ(status.ssid, "x");
-    testing::internal::CaptureStderr();
     EXPECT_EQ(CML_getWifiStatus("wlan8", &status), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              kPrefix + "Incorrect network interface: No such device\n");
     EXPECT_EQ(kernel.commands, "") << "nobody was asked";
 }
 
-TEST_F(Wifi, TheRuleTablesAreExported) {
-    // Attribute, type and length of each.
-    const std::tuple<std::span<const wifi_attribute_rule>, int32_t, std::string> tables[] = {
-        {NL80211_VALIDATION, NL80211_VALIDATION_LENGTH, "1 2 0, 7 8 0, "},
-        {NL80211_MCAST_GROUPS_VALIDATION, NL80211_MCAST_GROUPS_VALIDATION_LENGTH, "2 3 0, 1 5 0, "},
-        {NL80211_NEW_SCAN_RESULTS_VALIDATION, NL80211_NEW_SCAN_RESULTS_VALIDATION_LENGTH,
-         "3 3 0, 45 8 0, 47 8 0, "},
-        {NL80211_BSS_VALIDATION, NL80211_BSS_VALIDATION_LENGTH,
-         "1 11 6, 2 3 0, 6 11 0, 9 3 0, 7 3 0, 10 3 0, "},
-        {NL80211_CMD_NEW_STATION_VALIDATION, NL80211_CMD_NEW_STATION_VALIDATION_LENGTH, "21 8 0, "},
-        {NL80211_STA_INFO_VALIDATION, NL80211_STA_INFO_VALIDATION_LENGTH,
-         "7 1 0, 13 1 0, 9 3 0, 10 3 0, "}};
-    for (const auto& [rules, length, expected] : tables) {
-        std::string all;
-        for (const wifi_attribute_rule& rule : rules) {
-            all += joined(rule.attribute, rule.type, rule.length) + ", ";
-        }
-        EXPECT_EQ(all, expected);
-        EXPECT_EQ(std::ssize(rules), length);
+// Attribute, type and length of each rule.
+std::string rules(std::span<const wifi_attribute_rule> table, int32_t length) {
+    std::string all = std::ssize(table) == length ? "" : "another length";
+    for (const wifi_attribute_rule& rule : table) {
+        all += joined(rule.attribute, rule.type, rule.length) + ", ";
     }
+    return all;
+}
+
+TEST_F(Wifi, TheRuleTablesAreExported) {
+#define RULES(table) rules(NL80211_##table, NL80211_##table##_LENGTH)
+    EXPECT_EQ(RULES(VALIDATION), "1 2 0, 7 8 0, ");
+    EXPECT_EQ(RULES(MCAST_GROUPS_VALIDATION), "2 3 0, 1 5 0, ");
+    EXPECT_EQ(RULES(NEW_SCAN_RESULTS_VALIDATION), "3 3 0, 45 8 0, 47 8 0, ");
+    EXPECT_EQ(RULES(BSS_VALIDATION), "1 11 6, 2 3 0, 6 11 0, 9 3 0, 7 3 0, 10 3 0, ");
+    EXPECT_EQ(RULES(CMD_NEW_STATION_VALIDATION), "21 8 0, ");
+    EXPECT_EQ(RULES(STA_INFO_VALIDATION), "7 1 0, 13 1 0, 9 3 0, 10 3 0, ");
 }
 
 }  // namespace

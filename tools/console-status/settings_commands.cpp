@@ -132,6 +132,9 @@ int resetAll(const Arguments& arguments) {
         const Json trouble = troubleOf(*database);
         status = trouble.is_null() ? status : fail(trouble);
     }
+    if (status != kDone) {
+        return status;
+    }
     const auto left = std::ranges::find_if(kSettings, holdsValues);
-    return status == kDone && left != kSettings.end() ? fail("can't reset " + left->name) : status;
+    return left == kSettings.end() ? kDone : fail("can't reset " + left->name);
 }

@@ -9,7 +9,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <set>
 #include <sstream>
 
 #include "console-manager/wifi.h"
@@ -90,20 +89,17 @@ class Radios : public Sandbox {
     // Scans for the three networks; they are those that iw shows.
     void scan() {
         ASSERT_EQ(wifi_scan_all(wifi.get(), records.data(), 3), 3);
-        std::set<std::string> lines;
+        std::string lines;
         for (const auto& record : records) {
             char line[100];
             std::snprintf(line, sizeof line, " %u %.2f %s\n", record.frequency,
                           record.signal_mbm / 100.0, record.ssid);
-            lines.insert(bssidText(record.bssid) + line);
+            lines += bssidText(record.bssid) + line;
         }
-        std::string all;
-        for (const std::string& line : lines) {
-            all += line;
-        }
-        EXPECT_EQ(all, run("iw dev wlan0 scan dump | sed -n 's/^BSS \\([0-9a-f:]*\\).*/\\1/p; "
-                           "s/^\\tfreq: \\([0-9]*\\).*/\\1/p; s/^\\tsignal: \\(.*\\) dBm$/\\1/p; "
-                           "s/^\\tSSID: *//p' | paste -d' ' - - - - | sort"));
+        EXPECT_EQ(run("sort <<'end'\n" + lines + "end\n"),
+                  run("iw dev wlan0 scan dump | sed -n 's/^BSS \\([0-9a-f:]*\\).*/\\1/p; "
+                      "s/^\\tfreq: \\([0-9]*\\).*/\\1/p; s/^\\tsignal: \\(.*\\) dBm$/\\1/p; "
+                      "s/^\\tSSID: *//p' | paste -d' ' - - - - | sort"));
     }
 
     // Of the link that iw shows: packets received, packets sent, signal and its average.

@@ -14,12 +14,11 @@
 
 namespace {
 
-#define LIST "az_09"
 const KeyPath kPlain{{{"dal_key", "k"}}};
-const KeyPath kItem{{{LIST, "n"}, {"dal_key", "k"}}};
-const KeyPath kSecond{{{LIST, "m"}, {"dal_key", "k"}}};
-const KeyPath kNode{{{LIST, "n"}}};
-const KeyPath kWholeList{{{LIST, nullptr}}};
+const KeyPath kItem{{{"az_09", "n"}, {"dal_key", "k"}}};
+const KeyPath kSecond{{{"az_09", "m"}, {"dal_key", "k"}}};
+const KeyPath kNode{{{"az_09", "n"}}};
+const KeyPath kWholeList{{{"az_09", nullptr}}};
 
 thread_local uint32_t word = 0;  // the caller's, for the library's use
 
@@ -71,13 +70,12 @@ class DataAccessContract : public testing::Test {
     void SetUp() override {
         ASSERT_NE(mkdtemp(folder.data()), nullptr);
         db = connect();
-        execute("CREATE TABLE tbl_" LIST " (c_" LIST " TEXT, c_dal_profile_no TEXT, UNIQUE(c_" LIST
-                ", c_dal_profile_no));");
-        execute("CREATE TABLE tbl_" LIST "_dal_key_dal_value (c_" LIST
-                " TEXT, c_dal_key TEXT, c_dal_profile_no TEXT, c_dal_value TEXT, UNIQUE(c_" LIST
-                ", c_dal_key, c_dal_profile_no), FOREIGN KEY(c_" LIST
-                ", c_dal_profile_no) REFERENCES tbl_" LIST " (c_" LIST
-                ", c_dal_profile_no) ON DELETE CASCADE ON UPDATE CASCADE);");
+        // clang-format off
+        execute("CREATE TABLE tbl_az_09 (c_az_09 TEXT, c_dal_profile_no TEXT, UNIQUE(c_az_09, c_dal_profile_no));");
+        execute("CREATE TABLE tbl_az_09_dal_key_dal_value (c_az_09 TEXT, c_dal_key TEXT, c_dal_profile_no TEXT, c_dal_value TEXT, "
+                "UNIQUE(c_az_09, c_dal_key, c_dal_profile_no), FOREIGN KEY(c_az_09, c_dal_profile_no) REFERENCES tbl_az_09 "
+                "(c_az_09, c_dal_profile_no) ON DELETE CASCADE ON UPDATE CASCADE);");
+        // clang-format on
         EXPECT_EQ(DAL_CreateFlatKeyTable(db), 0);
     }
     void TearDown() override {
@@ -170,15 +168,15 @@ TEST_F(DataAccessContract, ANodeComesWithItsFirstItemAndTakesItAlong) {
     EXPECT_EQ(DAL_isProfiledNodePresent(db, &kNode, 0), 0);
     EXPECT_EQ(kInt.set(db, &kItem, 1) + kInt.set(db, &kSecond, 0), 0);
     EXPECT_NE(DAL_isProfiledNodePresent(db, &kNode, 0), 0);
-    static char** listed = DAL_listProfiledNodeItems(db, &kWholeList, LIST, 0);
+    static char** listed = DAL_listProfiledNodeItems(db, &kWholeList, "az_09", 0);
     EXPECT_NE(listed, nullptr) << "its form and release are the library's own";
     EXPECT_EQ(DAL_deleteProfiledNodeItem(db, &kNode, 0), 0);
     EXPECT_EQ(DAL_isProfiledNodePresent(db, &kNode, 0), 0);
     expectStored(kInt, kItem, kAbsent);
     expectStored(kInt, kSecond, 0);
-    execute("INSERT INTO tbl_" LIST " VALUES ('of another profile', '5');");
+    execute("INSERT INTO tbl_az_09 VALUES ('of another profile', '5');");
     EXPECT_EQ(DAL_deleteProfiledNodeItem(db, &kWholeList, DAL_ALL_PROFILES), 0);
-    EXPECT_EQ(query(folder + "/db", "SELECT * FROM tbl_" LIST), "");
+    EXPECT_EQ(query(folder + "/db", "SELECT * FROM tbl_az_09"), "");
     expectStored(kInt, kSecond, kAbsent);
 }
 
@@ -188,7 +186,7 @@ TEST_F(DataAccessContract, TheFlatKeyTableKeepsItsRowsUntilTheyAreDeletedInATran
     expectStored(kPlainInt, kPlain, 1);
     sqlite3* const other = connect();
     execute("BEGIN TRANSACTION;");
-    execute("DELETE FROM tbl_" LIST ";");
+    execute("DELETE FROM tbl_az_09;");
     EXPECT_EQ(DAL_DeleteFlatKeyTable(db), 0);
     EXPECT_EQ(kPlainInt.get(other, &kPlain, 5).value, 1) << "it isn't committed";
     execute("COMMIT;");

@@ -252,21 +252,11 @@ std::vector<Subject> wifiSubjects() {
         const int32_t result = callWithin<int32_t>(CML_getWifiStatus, "wlan7", &link);
         return joined(result, link.ssid == nullptr ? "null" : link.ssid, link.rxPackets);
     };
-    std::vector<Subject> subjects = {
-            {"wifi", {"wifi_scan_init", "handle", {"null", "ended"}, init}},
+    return {{"wifi", {"wifi_scan_init", "handle", {"null", "ended"}, init}},
             {"wifi", {"wifi_scan_close", "0", {}, close}},
             {"wifi", {"wifi_scan_all", "2 net2", {"-1 ", "0 ", "1 net1", "ended"}, all}},
             {"wifi", {"wifi_scan_station", "1 net2 1 5", {"0  0 0", "1 net1 -1 0", "1 net1 -1 5", "1 net2 1 0", "ended"}, station}},
             {"wifi", {"CML_getWifiStatus", "1 net2 5", {"0 null 0", "1  0", "1 net1 5", "ended"}, status}}};
-    // What the played kernel has seen is kept for one call.
-    for (Subject& subject : subjects) {
-        subject.calls[0].run = [run = subject.calls[0].run] {
-            std::vector<std::string>().swap(kernel.sent);
-            std::string().swap(kernel.commands);
-            return run();
-        };
-    }
-    return subjects;
 }
 // clang-format on
 

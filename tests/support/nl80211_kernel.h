@@ -16,9 +16,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <cstdio>
 #include <deque>
 #include <map>
+#include <span>
 #include <sstream>
 #include <vector>
 
@@ -41,14 +41,13 @@ inline std::string message(uint16_t type, const std::string& payload,
 inline std::string reply(uint8_t command, const std::string& attributes, uint16_t type = kFamily) {
     return message(type, bytes(genlmsghdr{command, 1, 0}) + attributes);
 }
-inline std::string notification(uint8_t command, uint32_t sequence = 0, uint32_t port = 0) {
-    return message(kFamily, bytes(genlmsghdr{command, 1, 0}), sequence, port);
+inline std::string notification(uint8_t command, uint32_t sequence = 0, uint32_t port = 0,
+                                const std::string& attributes = "") {
+    return message(kFamily, bytes(genlmsghdr{command, 1, 0}) + attributes, sequence, port);
 }
 // What the kernel tells of a port's scan.
 inline std::string notificationOf(uint32_t port, uint8_t command) {
-    return message(kFamily,
-                   bytes(genlmsghdr{command, 1, 0}) + attribute(NL80211_ATTR_IFINDEX, u32(port)), 0,
-                   0);
+    return notification(command, 0, 0, attribute(NL80211_ATTR_IFINDEX, u32(port)));
 }
 constexpr auto acknowledgement = [](int error = 0) {
     return message(NLMSG_ERROR, bytes(nlmsgerr{error, {}}));
@@ -63,12 +62,9 @@ inline std::string family(const std::string& groups) {
                      attribute(CTRL_ATTR_MCAST_GROUPS, groups),
                  GENL_ID_CTRL);
 }
-inline std::string group(const std::string& id, const std::string& name) {
-    return attribute(
-        1, attribute(CTRL_ATTR_MCAST_GRP_ID, id) + attribute(CTRL_ATTR_MCAST_GRP_NAME, name));
-}
 inline std::string group(const std::string& name, uint32_t id) {
-    return group(u32(id), name + '\0');
+    return attribute(1, attribute(CTRL_ATTR_MCAST_GRP_ID, u32(id)) +
+                            attribute(CTRL_ATTR_MCAST_GRP_NAME, name + '\0'));
 }
 
 // One network of a scan, from the attributes of its BSS, and the figures of a link.
@@ -138,7 +134,7 @@ inline struct Nl80211Kernel {
     Datagrams notifications;      // wait on the first socket of a handle
     Datagrams later;              // the same, but come when a scan has been triggered
 
-    // What was seen.
+    // What was seen since there was no socket open.
     std::vector<std::string> sent;  // requests, in hexadecimal digits
     std::string commands;           // their commands and numbers: "33/1 32/2 "
     int openSockets = 0;
@@ -171,10 +167,8 @@ inline struct Nl80211Kernel {
         const auto& head = *reinterpret_cast<const nlmsghdr*>(request);
         const int command = request[sizeof head];
         sent.emplace_back(socket == notifying ? "notifications " : "commands ");
-        for (size_t i = 0; i < size; ++i) {
-            char digits[3];
-            std::snprintf(digits, sizeof digits, "%02x", request[i]);
-            sent.back() += digits;
+        for (const uint8_t byte : std::span(request, size)) {
+            sent.back() += {"0123456789abcdef"[byte / 16], "0123456789abcdef"[byte % 16]};
         }
         commands += std::to_string(command) + "/" + std::to_string(head.nlmsg_seq) + " ";
         commanded = socket;
@@ -202,6 +196,10 @@ mnl_socket* mnl_socket_open(int bus) {
         return nullptr;
     }
     const Within test(false);
+    if (kernel.openSockets == 0) {
+        std::exchange(kernel.sent, {});
+        std::exchange(kernel.commands, {});
+    }
     const int descriptor = eventfd(0, EFD_CLOEXEC);
     auto* const opened = new mnl_socket{descriptor, 1000u + unsigned(kernel.openSockets), {}};
     kernel.notifying = ++kernel.openSockets % 2 == 1 ? opened : kernel.notifying;

@@ -40,21 +40,13 @@ TEST_F(Network, PortsAreListedInOrderWithTheirState) {
     EXPECT_THROW(CML_getNetworkPortsList(0), std::filesystem::filesystem_error);
 }
 
-TEST_F(Network, TheLoopbackPortHasTheKernelsAddressesAndCounters) {
+TEST_F(Network, TheLoopbackPortHasTheKernelsAddresses) {
     close(STDIN_FILENO);  // 0 is a descriptor like any other
     EXPECT_STREQ(CML_getNetworkPortIPv4Address("lo"), "127.0.0.1");
     EXPECT_STREQ(CML_getNetworkPortIPv4NetMask("lo"), "255.0.0.0");
     EXPECT_STREQ(CML_getNetworkPortIPv6Address("lo"), "::1");
     EXPECT_STREQ(CML_getNetworkPortMACAddress("lo"), "00:00:00:00:00:00");
-    EXPECT_EQ(CML_checkNetworkPortActive("lo"), 1);
     EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1) << "left open";
-    int32_t received = -1;
-    int32_t sent = -1;
-    run("ping -c1 -w5 127.0.0.1 >/dev/null");
-    CML_getNetworkPortInfo("lo", &received, &sent);
-    EXPECT_GT(received, 0);
-    EXPECT_EQ(std::to_string(received) + "\n", readFile("/sys/class/net/lo/statistics/rx_bytes"));
-    EXPECT_EQ(received, sent);
 }
 
 TEST_F(Network, TheGatewayIsThatOfTheFirstFittingRoute) {

@@ -12,8 +12,7 @@ static_assert(std::size(KeyPath{}.slots) == 17);
 static std::string calls;        // a line each
 static std::string failing;      // the line of the call that fails
 constexpr int32_t kAnswer = 77;  // of a call on an item
-constexpr int32_t kNumber = 5;   // what a getter of a number delivers
-static std::string kept;         // the same of a text
+static std::string kept;         // what a getter of a text delivers
 static char* nodes[1];           // of a listing
 
 // An argument in words; a connection is played by its name. What a getter delivers is written.
@@ -21,7 +20,7 @@ struct Shown {
     Shown(std::integral auto value) : words(std::to_string(value)) {}
     Shown(const char* string) : words(string == nullptr ? "null" : string) {}
     Shown(sqlite3* name) : Shown(reinterpret_cast<const char*>(name)) {}
-    Shown(int32_t* value) : words("number") { *value = kNumber; }
+    Shown(int32_t* value) : words("number") { *value = 5; }
     Shown(char* buffer) : words("buffer") { std::strcpy(buffer, kept.c_str()); }
     Shown(char** value) : words("block") { *value = strdup(kept.c_str()); }
     Shown(uint32_t* length) : words("length " + std::to_string(*length)) {
@@ -171,7 +170,7 @@ TEST_P(EachSetting, MakesItsCallsAndGivesTheirResults) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Settings, EachSetting, testing::ValuesIn(kSettings),
-                         [](const auto& of) { return of.param.name; });
+                         testing::PrintToStringParamName());
 
 // The text once for each list, in place of the @.
 std::string forEachList(const std::string& pattern) {

@@ -37,7 +37,7 @@ TEST_P(EachCall, GivesTheResultOfItsSituation) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Functions, EachCall, testing::ValuesIn(functionSubjects()),
-                         [](const auto& of) { return of.param.name; });
+                         testing::PrintToStringParamName());
 
 using Threads = Calls;
 
@@ -99,7 +99,9 @@ TEST_F(Threads, TakeTheSameReleaseTextsFromTheFile) {
 
 TEST_F(Threads, CanWriteBehindTheLibrarysMessage) {
     run("mkdir /tmp/m7/console-manager.db");
-    EXPECT_EQ(DAL_CML_isAutoThemePresent(), 0) << "writes one";
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(DAL_CML_isAutoThemePresent(), 0);
+    EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with("[2] Unable to open /tmp/m7/"));
     std::jthread([] { std::fflush(stderr); });
 }
 

@@ -1,14 +1,11 @@
 // The program as it is used: from a shell, on a terminal and by scripts.
 #include <console-manager/settings.h>
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "support/sandbox.h"
 
 namespace {
-
-using Json = nlohmann::json;
 
 class ConsoleStatus : public Sandbox {
   protected:
@@ -48,15 +45,15 @@ TEST_F(ConsoleStatus, KeysOfJsonAreDocumented) {
     // A port that says it is wireless, on a kernel or a machine that has no such thing.
     run("mkdir -p /mnt/test/net/lo/phy80211 && mount --bind /mnt/test/net /sys/class/net");
     ASSERT_EQ(DAL_CML_setHomeScreenIcon("n", ""), 0);
-    Json told = {Json::parse(run("console-status --json --watch 1 | head -n 1"))};
-    EXPECT_TRUE(told[0]["wifi"][0]["error"].is_string() ||
-                told[0]["wifi"][0]["connected"] == false);
-    for (const char* arguments : {"settings", "get Theme", "list HomeScreenIcon", "ping ::1"}) {
-        told.push_back(
-            Json::parse(run("console-status --json " + std::string(arguments) + " || :")));
+    nlohmann::json told;
+    for (const std::string arguments :
+         {"--watch 1 | head -n 1", "settings", "get Theme", "list HomeScreenIcon", "ping ::1"}) {
+        told.push_back(nlohmann::json::parse(run("console-status --json " + arguments + " || :")));
     }
+    const nlohmann::json& link = told[0]["wifi"][0];
+    EXPECT_TRUE(link["error"].is_string() || link["connected"] == false);
     const std::string page = readFile(CS_SOURCE "/console-status.1");
-    const Json flat = told.flatten();
+    const nlohmann::json flat = told.flatten();
     for (const auto& [path, value] : flat.items()) {
         const std::string key = path.substr(path.find_last_of('/') + 1);
         EXPECT_TRUE(key < ":" || page.find("\\fB" + key + "\\fR") != std::string::npos) << path;

@@ -107,7 +107,7 @@ int useSetting(const Arguments& arguments) {
         return resultOf(what, target, setting.set(node, value) == 0);
     }
     if (hasNode && setting.nodes->isPresent(node) == 0) {
-        return fail("there is no " + target.name);
+        return fail("there is no " + target.name + suggestion(node, take(setting.nodes->list())));
     }
     if (what == "get" || what == "list") {
         return showValue(target, arguments.has('j'));

@@ -41,7 +41,7 @@ std::string showSettings(const Json& report) {
         }
     }
     return title("Settings") + troubles + tableOf({"Setting", "State", "Value"}, values) +
-           title("Lists") + tableOf({"List", ">Nodes"}, lists);
+           (lists.empty() ? "" : title("Lists") + tableOf({"List", ">Nodes"}, lists));
 }
 
 }  // namespace

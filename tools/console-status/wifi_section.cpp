@@ -135,7 +135,8 @@ void readWifi(Json& report, const Json& ports) {
 
 std::string showWifi(const Json& report) {
     std::vector<Row> rows;
-    for (const Json& link : report["wifi"]) {
+    const Json& told = report["wifi"];
+    for (const Json& link : told) {
         rows.push_back({Cell(link["port"]),
                         !link["error"].is_null()     ? Cell(Cell(link["error"]).text, kYellow)
                         : link["connected"] == false ? Cell("not connected", kDim)
@@ -146,7 +147,9 @@ std::string showWifi(const Json& report) {
     const Names headings = {"Port",         "Network",     "Signal",
                             "Access point", ">Packets in", ">Packets out"};
     return title("Wi-Fi") +
-           (rows.empty() ? paragraph({"no wireless port", kDim}) : tableOf(headings, rows));
+           (rows.empty()
+                ? paragraph({told.is_null() ? "no ports are known" : "no wireless port", kDim})
+                : tableOf(headings, rows));
 }
 
 }  // namespace

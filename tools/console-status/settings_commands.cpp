@@ -75,7 +75,8 @@ bool isAgreed() {
         throw UsageError("factory-reset needs --yes where it can't ask");
     }
     std::fputs("Remove all values of all settings and lists? [y/N] ", stderr);
-    return std::toupper(std::getchar()) == 'Y';
+    const int answer = std::getchar();
+    return answer == 'y' || answer == 'Y';
 }
 
 // Whether a setting, or a list, has a value after all.

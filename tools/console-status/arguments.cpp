@@ -2,7 +2,6 @@
 #include <strings.h>
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <numeric>
 
@@ -19,10 +18,6 @@ constexpr Option kOptions[] = {
     {'h', "help", "", "tell more"},
     {'V', "version", "", "tell the version"},
 };
-
-bool isNegativeNumber(const char* word) {
-    return word[0] == '-' && std::isdigit(static_cast<unsigned char>(word[1])) != 0;
-}
 
 // How many characters must be put in, left out or changed; the case of letters doesn't count.
 size_t distance(const std::string& a, const std::string& b) {
@@ -70,11 +65,12 @@ Arguments parse(int count, char** words) {
     opterr = 0;
     while (optind < count) {
         const int next = optind;
-        const int letter = isNegativeNumber(words[next])
-                               ? -1
-                               : getopt_long(count, words, letters.c_str(), names.data(), nullptr);
+        const char* const word = words[next];
+        const bool isNegative = word[0] == '-' && word[1] >= '0' && word[1] <= '9';
+        const int letter =
+            isNegative ? -1 : getopt_long(count, words, letters.c_str(), names.data(), nullptr);
         if (letter == '?' || letter == ':') {
-            refuse(letter, words[next]);
+            refuse(letter, word);
         }
         if (letter != -1) {
             arguments.options[static_cast<char>(letter)] = optarg != nullptr ? optarg : "";

@@ -8,21 +8,11 @@
 #include "quiet.h"
 #include "setting.h"
 
-namespace {
-
 namespace fs = std::filesystem;
 
-template <auto kGet>
-int32_t ask() {
-    int32_t value = 0;
-    return kGet(&value);
-}
-
-}  // namespace
-
 const Database kPersistent = {"persistent", "/mnt/vex-data/m7/console-manager.db",
-                              ask<DAL_CML_getTheme>};
-const Database kVolatile = {"volatile", "/tmp/m7/console-manager.db", ask<DAL_CML_getAutoTheme>};
+                              DAL_CML_getTheme};
+const Database kVolatile = {"volatile", "/tmp/m7/console-manager.db", DAL_CML_getAutoTheme};
 
 std::string whyUnusable(const Database& database) {
     const fs::path file = database.path;
@@ -44,7 +34,9 @@ std::string whyUnusable(const Database& database) {
 
 Json troubleOf(const Database& database) {
     const Quiet quiet;  // the library tells less, and as often as it is asked
-    return database.ask() == 0 ? Json()
-                               : Json(std::string("the ") + database.name + " database " +
-                                      database.path + " can't be used: " + whyUnusable(database));
+    int32_t value = 0;
+    return database.get(&value) == 0
+               ? Json()
+               : Json(std::string("the ") + database.name + " database " + database.path +
+                      " can't be used: " + whyUnusable(database));
 }

@@ -22,15 +22,11 @@ constexpr size_t kMostHistory = 20;
 
 // The one that is named, or all. What --watch shows of all is what changes by itself.
 Sections sectionsOf(const Arguments& arguments) {
-    Sections sections;
-    for (const Section* section :
-         {&kSettingsSection, &kDeviceSection, &kPortsSection, &kWifiSection}) {
-        const bool isLive = section != &kSettingsSection;
-        if (arguments.words.empty() ? isLive || !arguments.has('w')
-                                    : arguments.words[0] == section->name) {
-            sections.push_back(section);
-        }
-    }
+    Sections sections = {&kSettingsSection, &kDeviceSection, &kPortsSection, &kWifiSection};
+    std::erase_if(sections, [&](const Section* section) {
+        return arguments.words.empty() ? section == &kSettingsSection && arguments.has('w')
+                                       : section->name != arguments.words[0];
+    });
     return sections;
 }
 

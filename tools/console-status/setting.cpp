@@ -46,8 +46,8 @@ int32_t setText(const char* node, const Json& value) {
 
 // clang-format off
 #define NODES(list)                                                                              \
-    Nodes{DAL_CML_list##list##Nodes, DAL_CML_is##list##NodePresent, DAL_CML_delete##list##Node,  \
-          DAL_CML_deleteAll##list##Nodes}
+    {DAL_CML_list##list##Nodes, DAL_CML_is##list##NodePresent, DAL_CML_delete##list##Node,  \
+     DAL_CML_deleteAll##list##Nodes}
 #define ROW(name, Kind, nodes, ...)                                                              \
     {#name, {__VA_ARGS__}, DAL_CML_get##name##Default(), get##Kind<DAL_CML_get##name>,           \
      set##Kind<DAL_CML_set##name>, call<DAL_CML_delete##name>, call<DAL_CML_is##name##Present>, nodes}
@@ -69,7 +69,7 @@ Json wordOf(const Setting& setting, const Json& value) {
 }
 
 Json nodesOf(const Setting& list) {
-    char** const nodes = list.nodes->list();
+    char** const nodes = list.nodes.list();
     Json entries = nodes != nullptr ? Json::array() : Json();
     for (const std::string& node : take(nodes)) {
         entries.push_back({{"node", node}, {"value", list.get(node.c_str())}});

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,7 +10,7 @@
 struct Database {
     const char* name;
     const char* path;
-    int32_t (*ask)();  // 0 if it can be used
+    int32_t (*get)(int32_t* value);  // of a value in it; 0 if the database can be used
 };
 extern const Database kPersistent;
 extern const Database kVolatile;
@@ -40,9 +39,9 @@ struct Setting {
     int32_t (*set)(const char* node, const Json& value);
     int32_t (*reset)(const char* node);
     int32_t (*isPresent)(const char* node);
-    std::optional<Nodes> nodes;
+    Nodes nodes;  // none if it isn't a list
 
-    bool isList() const { return nodes.has_value(); }
+    bool isList() const { return nodes.list != nullptr; }
     const Database& database() const { return name == "AutoTheme" ? kVolatile : kPersistent; }
 };
 

@@ -107,16 +107,16 @@ int useSetting(const Arguments& arguments) {
         const Json value = valueOf(setting, arguments.words.back());
         return resultOf(what, target, setting.set(node, value) == 0);
     }
-    if (hasNode && setting.nodes->isPresent(node) == 0) {
-        return fail("there is no " + target.name + suggestion(node, take(setting.nodes->list())));
+    if (hasNode && setting.nodes.isPresent(node) == 0) {
+        return fail("there is no " + target.name + suggestion(node, take(setting.nodes.list())));
     }
     if (what == "get" || what == "list") {
         return showValue(target, arguments.has('j'));
     }
     return resultOf(what, target,
                     (what == "reset"    ? setting.reset(node)
-                     : what == "remove" ? setting.nodes->remove(node)
-                                        : setting.nodes->clear()) == 0);
+                     : what == "remove" ? setting.nodes.remove(node)
+                                        : setting.nodes.clear()) == 0);
 }
 
 int resetAll(const Arguments& arguments) {

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Builds an application with what is installed under a prefix, once by pkg-config and once by
-# find_package, and runs both, and console-status.
+# Builds an example with what is installed under a prefix, as an application does, once by pkg-config
+# and once by find_package, and runs both, and console-status.
 # usage: own_mounts.sh try_application.sh PREFIX LIBRARY_FOLDER SCRATCH_FOLDER
 set -eu
 prefix=$1 libraries=$1/$2 scratch=$3
@@ -15,17 +15,17 @@ expect() {
     [ "$got" = "$wanted" ] || { echo "$*: '$got' in place of '$wanted'"; exit 1; }
 }
 
-expect 30 "$prefix/bin/console-status" get DisplayOffTimeout
+expect EN "$prefix/bin/console-status" get Language
 
 # shellcheck disable=SC2046
-"${CC:-cc}" -Wall -Werror "$source/application.c" -o "$scratch/application" \
+"${CC:-cc}" -Wall -Werror "$source/setting.c" -o "$scratch/application" \
     $(PKG_CONFIG_LIBDIR="$libraries/pkgconfig" pkg-config --cflags --libs console-manager)
-expect 17 "$scratch/application"
-expect 17 "$prefix/bin/console-status" get DisplayOffTimeout
-expect "" "$prefix/bin/console-status" reset DisplayOffTimeout
+expect DE "$scratch/application" DE
+expect DE "$prefix/bin/console-status" get Language
+expect "" "$prefix/bin/console-status" reset Language
 
 # A run path would help the linker, too.
 cmake -S "$source" -B "$scratch/build" "-DCMAKE_PREFIX_PATH=$prefix" -DCMAKE_SKIP_RPATH=ON
 grep -q "^console-manager_DIR:PATH=$libraries/" "$scratch/build/CMakeCache.txt"
 cmake --build "$scratch/build"
-expect 17 "$scratch/build/application"
+expect DE "$scratch/build/application" DE

@@ -44,7 +44,7 @@ understood. console-status(1) tells more.
 )";
 
 const Command& commandOf(const std::string& name) {
-    return find<Command>(kCommands, name, "command");
+    return *find<Command>(kCommands, name, "command");
 }
 
 bool takes(const Command& command, const Option& option) {

@@ -59,13 +59,13 @@ std::string quoted(const std::string& text);
 // "; did you mean ...?" with the one of the names that comes closest, or nothing.
 std::string suggestion(const std::string& given, const std::vector<std::string>& names);
 
-// The row of that name.
+// The row of that name, never null.
 template <typename Row>
-const Row& find(std::span<const Row> rows, const std::string& name, const std::string& thing) {
+const Row* find(std::span<const Row> rows, const std::string& name, const std::string& thing) {
     std::vector<std::string> names;
     for (const Row& row : rows) {
         if (name == row.name) {
-            return row;
+            return &row;
         }
         names.emplace_back(row.name);
     }

@@ -88,7 +88,7 @@ bool holdsValues(const Setting& setting) {
 
 int useSetting(const Arguments& arguments) {
     const std::string& what = arguments.words[0];
-    const auto& setting = find<Setting>(kSettings, arguments.words[1], "setting or list");
+    const Setting& setting = *find<Setting>(kSettings, arguments.words[1], "setting or list");
     const std::string& name = setting.name;
     const bool ofWhole = what == "list" || what == "clear";
     const bool hasNode = arguments.words.size() == (what == "set" ? 4 : 3);

@@ -33,7 +33,7 @@ using Words = long (*)(long, long, long, long, long, long, long, long);
         }                                                                                 \
         return next(a, b, c, d, e, f, g, h);                                              \
     }                                                                                     \
-    static const auto& known_##name = functions.emplace_back(#name);
+    static const auto& known_##name = functions.emplace_back(#name)
 
 #define PLAYED(...) PLAYED_IF(true, __VA_ARGS__)
 
@@ -43,25 +43,24 @@ static bool givesUpLock(long command, long argument) {
 }
 
 // clang-format off
-PLAYED(socket, -1, EMFILE)      PLAYED(send, -1, ENOBUFS)       PLAYED(getifaddrs, -1, ENOMEM)
-PLAYED(uname, -1, EFAULT)       PLAYED(popen, 0, EMFILE)        PLAYED(if_indextoname, 0, ENXIO)
-PLAYED(fgets, 0, EIO)           PLAYED(fopen64, 0, EMFILE)      PLAYED(fdopendir, 0, ENOMEM)
-PLAYED(open64, -1, EMFILE)      PLAYED(read, -1, EIO)           PLAYED_IF(!givesUpLock(b, c), fcntl64, -1, EIO)
-PLAYED(fstat64, -1, EIO)        PLAYED(stat64, -1, EIO)         PLAYED(ftruncate64, -1, EIO)
-PLAYED(pread64, -1, EIO)        PLAYED(pwrite64, -1, ENOSPC)    PLAYED(mmap64, -1 /* MAP_FAILED */, ENOMEM)
-PLAYED(fdatasync, -1, EIO)      PLAYED(unlink, -1, EIO)
+PLAYED(socket, -1, EMFILE);      PLAYED(send, -1, ENOBUFS);       PLAYED(getifaddrs, -1, ENOMEM);
+PLAYED(uname, -1, EFAULT);       PLAYED(popen, 0, EMFILE);        PLAYED(if_indextoname, 0, ENXIO);
+PLAYED(fgets, 0, EIO);           PLAYED(fopen64, 0, EMFILE);      PLAYED(fdopendir, 0, ENOMEM);
+PLAYED(open64, -1, EMFILE);      PLAYED(read, -1, EIO);           PLAYED_IF(!givesUpLock(b, c), fcntl64, -1, EIO);
+PLAYED(fstat64, -1, EIO);        PLAYED(stat64, -1, EIO);         PLAYED(ftruncate64, -1, EIO);
+PLAYED(pread64, -1, EIO);        PLAYED(pwrite64, -1, ENOSPC);    PLAYED(mmap64, -1 /* MAP_FAILED */, ENOMEM);
+PLAYED(fdatasync, -1, EIO);      PLAYED(unlink, -1, EIO);
 #ifdef __arm__
-PLAYED(__ioctl_time64, -1, EIO) PLAYED(openat64, -1, EMFILE)    PLAYED(__setsockopt64, -1, ENOPROTOOPT)
-PLAYED(readdir64, 0, EIO)       PLAYED_IF(!givesUpLock(b, c), __fcntl_time64, -1, EIO)
+PLAYED(__ioctl_time64, -1, EIO); PLAYED(openat64, -1, EMFILE);    PLAYED(__setsockopt64, -1, ENOPROTOOPT);
+PLAYED(readdir64, 0, EIO);       PLAYED_IF(!givesUpLock(b, c), __fcntl_time64, -1, EIO);
 #else
-PLAYED(ioctl, -1, EIO)          PLAYED(openat, -1, EMFILE)      PLAYED(setsockopt, -1, ENOPROTOOPT)
-PLAYED(readdir, 0, EIO)
+PLAYED(ioctl, -1, EIO);          PLAYED(openat, -1, EMFILE);      PLAYED(setsockopt, -1, ENOPROTOOPT);
+PLAYED(readdir, 0, EIO);
 #endif
-    // clang-format on
+// clang-format on
 
-    // The folder of the databases is there: a shell that makes it takes longer than all that is
-    // tested.
-    static bool makesFolder(const char* command) {
+// The folder of the databases is there: a shell that makes it takes longer than all that is tested.
+static bool makesFolder(const char* command) {
     return inLibrary && std::strncmp(command, "mkdir", 5) == 0;
 }
 

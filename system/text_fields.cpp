@@ -51,18 +51,16 @@ bool takeInteger(std::string_view& text, int64_t minimum, int64_t maximum, int64
 
 // What looks like a decimal number, which lacks digits at worst.
 std::string_view takeDecimal(std::string_view& text) {
-    bool digits = false;
     bool point = false;
     bool exponent = false;
     size_t length = 0;
     for (bool mayBeSign = true; length < text.size(); ++length) {
         const char c = text[length];
         const bool isPoint = c == '.' && !point && !exponent;
-        const bool isExponent = (c == 'e' || c == 'E') && digits && !exponent;
+        const bool isExponent = (c == 'e' || c == 'E') && !exponent;
         if (!isDigit(c) && !isPoint && !isExponent && !(mayBeSign && (c == '+' || c == '-'))) {
             break;
         }
-        digits = digits || isDigit(c);
         point = point || isPoint;
         exponent = exponent || isExponent;
         mayBeSign = isExponent;

@@ -211,7 +211,8 @@ std::vector<Subject> deviceSubjects() {
                     // No reading, and then none to compare with.
                     {stat, "intr 1 2 3 4\n", "0.25,0.5,"},
                     {stat, "cpu 10 10 10 10\ncpu0 0 0 0 0\n", "0.25,0.5,"},
-                    {stat, "cpu 20 10\ncpu0 0 x 1 1\n", "0,nan,"}}}},
+                    {stat, "cpu 20 10\ncpu0 0 x 1 1\n", "0,nan,"},
+                    {stat, "cpu 1e999 1e999\ncpu0 0 - 1 1\n", "1,nan,"}}}},
         {"usage", {"CML_getCPUUsage", "nan", {kNoMemory}, [] { return figure(callWithin<long double>(CML_getCPUUsage)); },
                    {{stat, "cpu 2 1 1 4\ncpu0 0 0 0 0\n", "0.25"}}}},
         {"", {"CML_getUpTime", "12345.67", {"0", kNoMemory}, [] { return joined(callWithin<long double>(CML_getUpTime)); },

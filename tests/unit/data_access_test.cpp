@@ -1,4 +1,5 @@
-// The data access library on a connection of the test's own: what the settings don't reach.
+// The data access library on a connection of the test's own: what the settings don't reach. Beside
+// it the logger.
 #include "contracts/data_access.h"
 
 #include <dlfcn.h>
@@ -10,8 +11,10 @@
 #include <ctime>
 #include <functional>
 #include <thread>
+#include <utility>
 
 #include "console-manager/settings.h"
+#include "contracts/trace_debug.h"
 #include "support/sandbox.h"
 #include "support/sqlite_query.h"
 
@@ -268,6 +271,11 @@ TEST_F(DataAccess, WhoComesWaitsForTheTurnAndBehindAllWhoWait) {
         EXPECT_EQ(lock(F_UNLCK), 0);
     }
     close(turns);
+}
+
+TEST(TraceDebug, TheRecordIsItsUsersToChange) {
+    EXPECT_EQ(std::exchange(TDL_logger()->flags, 0), TDL_FLAG_DATABASE_MESSAGES);
+    EXPECT_EQ(TDL_logger()->flags, 0u);
 }
 
 }  // namespace

@@ -360,6 +360,8 @@ TEST_F(Wifi, WithoutAPortThereIsNoStatus) {
     EXPECT_EQ(CML_getWifiStatus(nullptr, &status) + CML_getWifiStatus("wlan7", nullptr), 0);
     EXPECT_STREQ(status.ssid, "x");
     EXPECT_EQ(CML_getWifiStatus("wlan8", &status), 0);
+    EXPECT_EQ(status.ssid, nullptr);
+    EXPECT_EQ(joined(status.signalDbm, status.rxPackets, status.txPackets), "0 0 0");
     EXPECT_EQ(kernel.commands, "") << "nobody was asked";
 }
 

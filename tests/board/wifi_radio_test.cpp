@@ -70,8 +70,7 @@ class Radios : public Sandbox {
         }
         // It comes back when all access points are on the air.
         run("hostapd -B -P /tmp/pid" + files +
-            " >/tmp/log && ip link set wlan0 up && "
-            "ip link set wlan4 up");
+            " >/tmp/log && ip link set wlan0 up && ip link set wlan4 up");
         wifi.reset(wifi_scan_init("wlan0"));
     }
     void TearDown() override {

@@ -288,9 +288,11 @@ std::vector<Subject> functionSubjects() {
     return all;
 }
 
-std::vector<Subject> settingSubjects() {
+std::vector<Subject> settingSubjects(size_t stride) {
     std::vector<Subject> all;
-    std::ranges::transform(kSettings, std::back_inserter(all), settingSubject);
+    for (size_t i = 0; i < std::size(kSettings); i += stride) {
+        all.push_back(settingSubject(kSettings[i]));
+    }
     return all;
 }
 

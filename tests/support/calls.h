@@ -36,7 +36,7 @@ struct Subject {
 };
 
 std::vector<Subject> functionSubjects();
-std::vector<Subject> settingSubjects();
+std::vector<Subject> settingSubjects(size_t stride = 1);
 
 // Files, ports, programs and a Wi-Fi kernel from which every call gets its good result.
 class Calls : public Sandbox {

@@ -216,7 +216,7 @@ std::vector<Subject> deviceSubjects() {
         {"usage", {"CML_getCPUUsage", "nan", {kNoMemory}, [] { return figure(callWithin<long double>(CML_getCPUUsage)); },
                    {{stat, "cpu 2 1 1 4\ncpu0 0 0 0 0\n", "0.25"}}}},
         {"", {"CML_getUpTime", "12345.67", {"0", kNoMemory}, [] { return joined(callWithin<long double>(CML_getUpTime)); },
-              {{"/proc/uptime", "1.234.567 2\n", "1.234"}, {"/proc/uptime", "1e3 2\n", "1000"}, {"/proc/uptime", "", "0"}}}},
+              {{"/proc/uptime", "1.234.567 2\n", "1.234"}, {"/proc/uptime", "1e3 2\n", "1000"}, {"/proc/uptime", "7", "7"}, {"/proc/uptime", "", "0"}}}},
         {"", {"CML_restoreDisplayBrightness", "", {}, restore}},
         numberSubject("CML_getAllowDriverToAdjustBrightness", "AllowDriverToAdjustBrightness", CML_getAllowDriverToAdjustBrightness, DAL_CML_setAllowDriverToAdjustBrightness, 1, "0"),
         numberSubject("CML_getDisplayInactivityTimeout", "DisplayInactivityTimeout", CML_getDisplayInactivityTimeout, DAL_CML_setDisplayInactivityTimeout, -2, "15"),

@@ -124,7 +124,7 @@ TEST_F(DataAccess, TheCallersTransactionIsItsOwn) {
     query(kFile,
           "CREATE TRIGGER refuse BEFORE INSERT ON tbl_home_screen_icons_dal_key_dal_value BEGIN "
           "SELECT raise(ABORT, 'no'); END");
-    EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN"), 0);
+    EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN EXCLUSIVE"), 0);
     EXPECT_EQ(DAL_setTypeString(db, &kItem, "within", 0), 0);
     EXPECT_EQ(DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0), SQLITE_CONSTRAINT);
     EXPECT_EQ(DAL_isProfiledNodePresent(db, &kNode, 0), 0) << "the set failed as a whole";
@@ -136,7 +136,7 @@ TEST_F(DataAccess, TheCallersTransactionIsItsOwn) {
 TEST_F(DataAccess, OtherThreadsWaitForTheEndOfATransaction) {
     open();
     for (int32_t round = 0; round < 100; ++round) {
-        EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN"), 0);
+        EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN DEFERRED"), 0);
         std::atomic<bool> started = false;
         std::thread other([&] {
             started = true;
@@ -241,7 +241,7 @@ TEST_F(DataAccess, WhoComesWaitsForTheTurnAndBehindAllWhoWait) {
     open();
     const int turns = ::open((kFile + "-turn").c_str(), O_RDWR | O_CLOEXEC);
     EXPECT_EQ(run("stat -c %a:%u " + kFile + "-turn"), run("stat -c %a:%u " + kFile));
-    EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN"), 0);
+    EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN IMMEDIATE"), 0);
     std::thread([&] {
         pace = 10;
         EXPECT_EQ(DAL_deleteItem(db, &kItem), SQLITE_BUSY);

@@ -1,8 +1,12 @@
 #include "setting.h"
 
 #include <console-manager/settings.h>
+#include <strings.h>
 
+#include <algorithm>
 #include <type_traits>
+
+#include "commands.h"
 
 namespace {
 
@@ -45,27 +49,63 @@ int32_t setText(const char* node, const Json& value) {
 }
 
 // clang-format off
-#define NODES(list)                                                                              \
-    {DAL_CML_list##list##Nodes, DAL_CML_is##list##NodePresent, DAL_CML_delete##list##Node,  \
-     DAL_CML_deleteAll##list##Nodes}
-#define ROW(name, Kind, nodes, ...)                                                              \
-    {#name, {__VA_ARGS__}, DAL_CML_get##name##Default(), get##Kind<DAL_CML_get##name>,           \
-     set##Kind<DAL_CML_set##name>, call<DAL_CML_delete##name>, call<DAL_CML_is##name##Present>, nodes}
+#define NODES(node)                                                                              \
+    {DAL_CML_list##node##s, DAL_CML_is##node##Present, DAL_CML_delete##node, DAL_CML_deleteAll##node##s}
+#define ROW(name, database, kind, Form, nodes, ...)                                              \
+    {#name, &k##database, Kind::kind, {__VA_ARGS__}, DAL_CML_get##name##Default(),               \
+     get##Form<DAL_CML_get##name>, set##Form<DAL_CML_set##name>, call<DAL_CML_delete##name>,     \
+     call<DAL_CML_is##name##Present>, nodes},
+#define BOOL_SETTING(name, ...) ROW(name, Persistent, Truth, Number, {}, {0, "false"}, {1, "true"})
+#define INT_SETTING(name, ...) ROW(name, Persistent, Number, Number, {})
+#define STRING_SETTING(name, ...) ROW(name, Persistent, Text, Text, {})
+#define ENUMERATED_SETTING(name, key, scope, database, initial, ...)                             \
+    ROW(name, database, Word, Number, {}, __VA_ARGS__)
+#define INT_LIST(name, node, ...) ROW(name, Persistent, Number, Number, NODES(node))
+#define STRING_LIST(name, node, ...) ROW(name, Persistent, Text, Text, NODES(node))
 // clang-format on
+
+std::vector<Setting> sorted(std::vector<Setting> settings) {
+    std::ranges::sort(settings, {}, [](const Setting& setting) {
+        return std::pair(setting.isList(), setting.name);
+    });
+    return settings;
+}
 
 }  // namespace
 
-const std::vector<Setting> kSettings = {
-#include "setting_rows.inc"
-};
+const std::vector<Setting> kSettings = sorted({
+#include "settings/catalogue.def"
+});
 
 Json wordOf(const Setting& setting, const Json& value) {
-    for (const auto& [word, number] : setting.words.items()) {
-        if (value == number) {
-            return word;
+    for (const Word& word : setting.words) {
+        if (value == word.number) {
+            return word.text;
         }
     }
     return nullptr;
+}
+
+Json valueOf(const Setting& setting, const std::string& text) {
+    if (setting.kind == Kind::Text) {
+        return text;
+    }
+    const auto number = numberOf(text);
+    std::string takes;
+    Names words;
+    for (const Word& word : setting.words) {
+        if (number == word.number || strcasecmp(text.c_str(), word.text) == 0) {
+            return word.number;
+        }
+        takes += words.emplace_back(word.text) + " (" + std::to_string(word.number) + "), ";
+    }
+    const bool takesAny = setting.kind != Kind::Word;
+    if (number && takesAny) {
+        return *number;
+    }
+    throw UsageError(setting.name + " takes " + takes +
+                     (takesAny ? "a whole number of 32 bits, " : "") + "not " + quoted(text) +
+                     suggestion(text, words));
 }
 
 Json nodesOf(const Setting& list) {
@@ -81,12 +121,12 @@ Json readSetting(const Setting& setting, bool usable, const char* node) {
     if (setting.isList() && node == nullptr) {
         return {{"nodes", usable ? nodesOf(setting) : Json()},
                 {"default", setting.fallback},
-                {"database", setting.database().name}};
+                {"database", setting.database->name}};
     }
     const Json value = usable ? setting.get(node) : Json();
     Json words;
-    for (const auto& [word, number] : setting.words.items()) {
-        words.push_back(word);
+    for (const Word& word : setting.words) {
+        words.push_back(word.text);
     }
     return {{"value", value},
             {"word", wordOf(setting, value)},
@@ -94,7 +134,7 @@ Json readSetting(const Setting& setting, bool usable, const char* node) {
             {"default", setting.fallback},
             {"default_word", wordOf(setting, setting.fallback)},
             {"stored", value.is_null() ? Json() : Json(setting.isPresent(node) != 0)},
-            {"database", setting.database().name}};
+            {"database", setting.database->name}};
 }
 
 std::string textOf(const Json& told) {

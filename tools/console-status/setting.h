@@ -1,4 +1,4 @@
-// The settings and lists that the library has, a row each.
+// The settings and lists of the library, one row each.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,13 @@ std::string whyUnusable(const Database& database);
 // That as a sentence, or null if the database can be used.
 Json troubleOf(const Database& database);
 
-// What only a list has.
+// A name for a number.
+struct Word {
+    int32_t number;
+    const char* text;
+};
+
+// The functions that only a list has.
 struct Nodes {
     char** (*list)();
     int32_t (*isPresent)(const char* node);
@@ -29,27 +35,39 @@ struct Nodes {
     int32_t (*clear)();
 };
 
-// A setting of one value, or a list with a value for each node. The functions of a setting take no
-// notice of the node.
+enum class Kind : uint8_t {
+    Truth,   // a number whose words are false and true; other numbers can be stored too
+    Number,  // without words
+    Word,    // a number that has a word; the library stores no other
+    Text,
+};
+
+// A setting of one value, or a list with a value for each node. The functions of a setting ignore
+// the node.
 struct Setting {
     std::string name;
-    Json words;                     // with their numbers; null where any number or text will do
-    Json fallback;                  // the default, which tells numbers from texts, too
-    Json (*get)(const char* node);  // null if it can't be read
+    const Database* database;
+    Kind kind;
+    std::vector<Word> words;        // by number
+    Json fallback;                  // the default
+    Json (*get)(const char* node);  // null if the value can't be read
     int32_t (*set)(const char* node, const Json& value);
     int32_t (*reset)(const char* node);
     int32_t (*isPresent)(const char* node);
-    Nodes nodes;  // none if it isn't a list
+    Nodes nodes;  // all null if it isn't a list
 
     bool isList() const { return nodes.list != nullptr; }
-    const Database& database() const { return name == "AutoTheme" ? kVolatile : kPersistent; }
 };
 
-// Settings first, then lists.
+// Settings first, then lists; both by name.
 extern const std::vector<Setting> kSettings;
 
-// The number's word; null where it has none.
+// The number's word, or null if it has none.
 Json wordOf(const Setting& setting, const Json& value);
+
+// The value that a text stands for: a word in any case of letters, a number or the text itself.
+// Throws UsageError if the setting can't have it.
+Json valueOf(const Setting& setting, const std::string& text);
 
 // The nodes of a list with their values; null if it can't be read.
 Json nodesOf(const Setting& list);

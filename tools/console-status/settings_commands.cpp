@@ -1,5 +1,4 @@
 #include <console-manager/settings.h>
-#include <strings.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,28 +21,7 @@ struct Target {
 int resultOf(const std::string& what, const Target& target, bool isDone) {
     return isDone ? kDone
                   : fail("can't " + what + " " + target.name + ": " +
-                         whyUnusable(target.setting.database()));
-}
-
-Json valueOf(const Setting& setting, const std::string& text) {
-    if (setting.fallback.is_string()) {
-        return text;
-    }
-    const auto number = numberOf(text);
-    std::string takes;
-    Names words;
-    for (const auto& [word, value] : setting.words.items()) {
-        if ((number && value == *number) || strcasecmp(text.c_str(), word.c_str()) == 0) {
-            return value;
-        }
-        takes += words.emplace_back(word) + " (" + value.dump() + "), ";
-    }
-    if (number && words.empty()) {
-        return *number;
-    }
-    throw UsageError(setting.name + " takes " +
-                     (words.empty() ? "a whole number of 32 bits, " : takes) + "not " +
-                     quoted(text) + suggestion(text, words));
+                         whyUnusable(*target.setting.database));
 }
 
 int showValue(const Target& target, bool asJson) {
@@ -98,7 +76,7 @@ int useSetting(const Arguments& arguments) {
     if (setting.isList() && !hasNode && !ofWhole) {
         throw UsageError(name + " is a list: name one of its nodes, too");
     }
-    if (const Json trouble = troubleOf(setting.database()); !trouble.is_null()) {
+    if (const Json trouble = troubleOf(*setting.database); !trouble.is_null()) {
         return fail(trouble);
     }
     const char* const node = hasNode ? arguments.words[2].c_str() : nullptr;

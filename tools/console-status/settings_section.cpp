@@ -10,7 +10,7 @@ void readSettings(Json& report, const Json&) {
     }
     Json told = {{"settings", Json()}, {"lists", Json()}};
     for (const Setting& setting : kSettings) {
-        Json& error = databases[setting.database().name]["error"];
+        Json& error = databases[setting.database->name]["error"];
         Json& entry = told[setting.isList() ? "lists" : "settings"][setting.name];
         entry = readSetting(setting, error.is_null());
         if (error.is_null() && entry.front().is_null()) {

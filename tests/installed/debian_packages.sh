@@ -11,6 +11,7 @@ trap 'rm -rf "$work"' EXIT
 (umask 077 && "$1/packaging/debian-packages" "$(dpkg --print-architecture)" "$work/packages")
 # own_mounts.sh hides a project that lies in /mnt.
 cp -R "$(dirname "$0")" "$work/scripts"
+cp "$(dirname "$0")/../support/own_mounts.sh" "$work/scripts/"
 cp "$(dirname "$0")/../../examples/setting.c" "$work/scripts/application/"
 cd "$work"
 

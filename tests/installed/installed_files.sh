@@ -6,6 +6,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 # own_mounts.sh hides a project that lies in /mnt.
 cp -R "$(dirname "$0")" "$work/scripts"
+cp "$(dirname "$0")/../support/own_mounts.sh" "$work/scripts/"
 cp "$(dirname "$0")/../../examples/setting.c" "$work/scripts/application/"
 
 for component in runtime development stand-ins console-status; do

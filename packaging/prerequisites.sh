@@ -1,4 +1,4 @@
-# Debian packages that the project needs, and how to get them; read by the scripts.
+# The Debian packages that the project needs, and their installation. Sourced by the scripts.
 # shellcheck shell=sh disable=SC2034
 
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libsqlite3-dev libmnl-dev nlohmann-json3-dev"

@@ -10,11 +10,6 @@ BOARD_PACKAGES="$PACKAGING_PACKAGES g++-arm-linux-gnueabihf qemu-system-arm cpio
 AS_ROOT=
 [ "$(id -u)" -eq 0 ] || AS_ROOT=sudo
 
-# Where tests/board/sysroot puts what the console's processor needs.
-board_folder() {
-    echo "${CONSOLE_BOARD_FOLDER:-${XDG_CACHE_HOME:-$HOME/.cache}/console-manager-board}"
-}
-
 # install_packages NAME...: installs what is missing, and says so.
 install_packages() {
     missing=

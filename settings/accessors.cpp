@@ -31,13 +31,13 @@
     }                                                         \
     REST_OF_FAMILY(name, (void), nullptr)
 
-#define BOOL_SETTING(name, key, scope, initial) \
+#define BOOL_SETTING(name, key, scope, initial, meaning) \
     NUMBER_SETTING(name, key, scope, BOOL, BOOL, initial)
 
-#define INT_SETTING(name, key, scope, initial) \
+#define INT_SETTING(name, key, scope, initial, meaning) \
     NUMBER_SETTING(name, key, scope, int32_t, Int, initial)
 
-#define STRING_SETTING(name, key, scope, initial)                               \
+#define STRING_SETTING(name, key, scope, initial, meaning)                      \
     ITEM(name, Persistent, scope, None, key)                                    \
     int32_t DAL_CML_get##name(char* buffer, uint32_t* valueInfo, size_t size) { \
         return getString(k##name, nullptr, buffer, valueInfo, size, initial);   \
@@ -53,18 +53,18 @@
     }                                                                           \
     REST_OF_FAMILY(name, (void), nullptr)
 
-#define ENUMERATED_SETTING(name, key, scope, database, initial, ...) \
-    ITEM(name, database, scope, None, key)                           \
-    static constexpr Word k##name##Words[] = {__VA_ARGS__};          \
-    int32_t DAL_CML_get##name(int32_t* value) {                      \
-        return getNumber(k##name, k##name##Words, value, initial);   \
-    }                                                                \
-    int32_t DAL_CML_set##name(int32_t value) {                       \
-        return setNumber(k##name, k##name##Words, value);            \
-    }                                                                \
-    int32_t DAL_CML_get##name##Default(void) {                       \
-        return initial;                                              \
-    }                                                                \
+#define ENUMERATED_SETTING(name, key, scope, database, initial, meaning, ...) \
+    ITEM(name, database, scope, None, key)                                    \
+    static constexpr Word k##name##Words[] = {__VA_ARGS__};                   \
+    int32_t DAL_CML_get##name(int32_t* value) {                               \
+        return getNumber(k##name, k##name##Words, value, initial);            \
+    }                                                                         \
+    int32_t DAL_CML_set##name(int32_t value) {                                \
+        return setNumber(k##name, k##name##Words, value);                     \
+    }                                                                         \
+    int32_t DAL_CML_get##name##Default(void) {                                \
+        return initial;                                                       \
+    }                                                                         \
     REST_OF_FAMILY(name, (void), nullptr)
 
 #define NODES(node, item)                                   \
@@ -81,7 +81,7 @@
         return listNodes(k##item);                          \
     }
 
-#define INT_LIST(item, node, list, key, initial)                    \
+#define INT_LIST(item, node, list, key, initial, meaning)           \
     ITEM(item, Persistent, Profiled, item, key)                     \
     int32_t DAL_CML_get##item(const char* nodeId, int32_t* value) { \
         return getInt(k##item, nodeId, value, initial);             \
@@ -95,7 +95,7 @@
     REST_OF_FAMILY(item, (const char* nodeId), nodeId)              \
     NODES(node, item)
 
-#define STRING_LIST(item, node, list, key, initial)                                            \
+#define STRING_LIST(item, node, list, key, initial, meaning)                                   \
     ITEM(item, Persistent, Profiled, item, key)                                                \
     int32_t DAL_CML_get##item(const char* nodeId, char* buffer, uint32_t* valueInfo,           \
                               size_t size) {                                                   \

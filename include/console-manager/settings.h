@@ -258,8 +258,8 @@ int32_t DAL_CML_isRoundTripEnablePresent(void);
 
 /** @{ @name RoundTripOrientation */
 /**
- * Delivers the orientation of the round trip. Neither value has a meaning here. BOOL, default 0,
- * unprofiled.
+ * Delivers the orientation of the round trip. The library gives neither value a meaning. BOOL,
+ * default 0, unprofiled.
  */
 int32_t DAL_CML_getRoundTripOrientation(BOOL* value);
 /** Stores the orientation of the round trip. */
@@ -360,8 +360,8 @@ int32_t DAL_CML_isDriverQorTerminalPermissionPresent(void);
 
 /** @{ @name DriverDisplaySource */
 /**
- * Delivers the source of the driver's display. The numbers have no meaning here. Integer, default
- * -1, unprofiled.
+ * Delivers the source of the driver's display. The library gives the numbers no meaning. Integer,
+ * default -1, unprofiled.
  */
 int32_t DAL_CML_getDriverDisplaySource(int32_t* value);
 /** Stores the source of the driver's display. */
@@ -378,8 +378,8 @@ int32_t DAL_CML_isDriverDisplaySourcePresent(void);
 
 /** @{ @name DriverDisplayRenderMode */
 /**
- * Delivers how the driver's display is rendered. The numbers have no meaning here. Integer, default
- * 0, unprofiled.
+ * Delivers how the driver's display is rendered. The library gives the numbers no meaning. Integer,
+ * default 0, unprofiled.
  */
 int32_t DAL_CML_getDriverDisplayRenderMode(int32_t* value);
 /** Stores how the driver's display is rendered. */
@@ -411,8 +411,8 @@ int32_t DAL_CML_isQorHotKeySelectEnabledPresent(void);
 
 /** @{ @name TimeFormat */
 /**
- * Delivers which of the two time formats is shown. Neither value has a meaning here. BOOL, default
- * 1, unprofiled.
+ * Delivers which of the two time formats is shown. The library gives neither value a meaning. BOOL,
+ * default 1, unprofiled.
  */
 int32_t DAL_CML_getTimeFormat(BOOL* value);
 /** Stores which of the two time formats is shown. */
@@ -474,8 +474,8 @@ int32_t DAL_CML_isAllowDriverRebootPresent(void);
 
 /** @{ @name HomeScreenIconOrder */
 /**
- * Delivers the order of the icons on the home screen. It has no form here. String, default the
- * empty string, profiled.
+ * Delivers the order of the icons on the home screen. The library does not interpret it. String,
+ * default the empty string, profiled.
  */
 int32_t DAL_CML_getHomeScreenIconOrder(char* buffer, uint32_t* valueInfo, size_t size);
 /** Delivers the stored HomeScreenIconOrder in a block from malloc; there is no default. */
@@ -886,8 +886,8 @@ int32_t DAL_CML_isQorHotKeyIconPresent(void);
 
 /** @{ @name BrowserDestinationHideItem */
 /**
- * Delivers whether a destination is hidden in the browser, by its node; no number has a meaning
- * here. Integer, default 1, profiled; list "browser_destination_hide_list".
+ * Delivers whether a destination is hidden in the browser, by its node; the library gives the
+ * numbers no meaning. Integer, default 1, profiled; list "browser_destination_hide_list".
  */
 int32_t DAL_CML_getBrowserDestinationHideItem(const char* nodeId, int32_t* value);
 /** Stores whether a destination is hidden in the browser, and its node if that is new. */
@@ -912,8 +912,8 @@ char** DAL_CML_listBrowserDestinationHideListNodes(void);
 
 /** @{ @name BrowserInformationHideItem */
 /**
- * Delivers whether information is hidden in the browser, by its node; no number has a meaning here.
- * Integer, default 1, profiled; list "browser_information_hide_list".
+ * Delivers whether information is hidden in the browser, by its node; the library gives the numbers
+ * no meaning. Integer, default 1, profiled; list "browser_information_hide_list".
  */
 int32_t DAL_CML_getBrowserInformationHideItem(const char* nodeId, int32_t* value);
 /** Stores whether information is hidden in the browser, and its node if that is new. */

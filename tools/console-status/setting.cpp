@@ -58,7 +58,7 @@ int32_t setText(const char* node, const Json& value) {
 #define BOOL_SETTING(name, ...) ROW(name, Persistent, Truth, Number, {}, {0, "false"}, {1, "true"})
 #define INT_SETTING(name, ...) ROW(name, Persistent, Number, Number, {})
 #define STRING_SETTING(name, ...) ROW(name, Persistent, Text, Text, {})
-#define ENUMERATED_SETTING(name, key, scope, database, initial, ...)                             \
+#define ENUMERATED_SETTING(name, key, scope, database, initial, meaning, ...)                    \
     ROW(name, database, Word, Number, {}, __VA_ARGS__)
 #define INT_LIST(name, node, ...) ROW(name, Persistent, Number, Number, NODES(node))
 #define STRING_LIST(name, node, ...) ROW(name, Persistent, Text, Text, NODES(node))

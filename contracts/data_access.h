@@ -134,8 +134,9 @@ int32_t DAL_deleteProfiledNodeItem(sqlite3* connection, const KeyPath* key, int3
 int32_t DAL_isProfiledNodePresent(sqlite3* connection, const KeyPath* key, int32_t profileNo);
 
 /*
- * The node ids of a list, in the library's own form, which goes to the caller untouched. listName
- * repeats the name in key.
+ * Returns the node ids of a list, in any order, or null on failure. The result is an array from
+ * malloc that a null pointer ends, so an empty list is that pointer alone. Each id is a string from
+ * malloc. The caller frees each id and then the array. listName repeats the name in key.
  */
 char** DAL_listProfiledNodeItems(sqlite3* connection, const KeyPath* key, const char* listName,
                                  int32_t profileNo);

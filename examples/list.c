@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
         fprintf(stderr, "the list can't be read\n");
         return 1;
     }
-    /* As the stand-in has it, null ends the array, and array and ids are the caller's. */
+    /* A null pointer ends the array. The caller frees each id, then the array. */
     for (char** id = ids; *id != NULL; ++id) {
         char* icon = NULL;
         uint32_t info;

@@ -878,10 +878,10 @@ int32_t DAL_CML_isQorHotKeyIconPresent(void);
  *     DAL_CML_isNPresent    0 if there is no such node, else another number
  *     DAL_CML_listNs        the node ids
  *
- * The form of a listing, who frees it, and whether a node stays when its item alone is deleted, is
- * the data access library's choice. A node stays with the stand-in, and its listing is an array
- * that a null pointer ends, in ascending strcmp order: the caller frees each id and then the array.
- * It is null on a failure.
+ * A listing is an array of node ids in any order, ended by a null pointer; an empty list is that
+ * pointer alone. Array and ids are blocks from malloc: the caller frees each id, then the array. A
+ * listing is null on failure. Whether a node stays when its item alone is deleted is the data access
+ * library's choice; with the stand-in it stays.
  */
 
 /** @{ @name BrowserDestinationHideItem */

@@ -8,6 +8,7 @@
 #include <barrier>
 #include <climits>
 #include <filesystem>
+#include <set>
 #include <thread>
 
 #include "support/sqlite_query.h"
@@ -97,6 +98,17 @@ class DataAccessContract : public testing::Test {
         EXPECT_EQ(access.isPresent(db, &key) != 0, value != kAbsent) << access.name;
     }
 
+    // Frees the listing as its form demands.
+    std::set<std::string> listed() {
+        char** const list = DAL_listProfiledNodeItems(db, &kWholeList, "az_09", 0);
+        std::set<std::string> ids;
+        for (char** id = list; *id != nullptr; free(*id++)) {
+            ids.insert(*id);
+        }
+        free(list);
+        return ids;
+    }
+
     std::string folder = testing::TempDir() + "data-access-XXXXXX";
     sqlite3* db = nullptr;
 };
@@ -136,6 +148,7 @@ TEST_F(DataAccessContract, WithoutAConnectionAllFailsAndGettersDeliver) {
     EXPECT_NE(DAL_ExecuteQuery(nullptr, "BEGIN TRANSACTION;"), 0);
     EXPECT_NE(DAL_deleteProfiledNodeItem(nullptr, &kNode, 0), 0);
     EXPECT_EQ(DAL_isProfiledNodePresent(nullptr, &kNode, 0), 0);
+    EXPECT_EQ(DAL_listProfiledNodeItems(nullptr, &kWholeList, "az_09", 0), nullptr);
 }
 
 TEST_F(DataAccessContract, NumbersAndTextsComeBackAsTheyWere) {
@@ -168,8 +181,7 @@ TEST_F(DataAccessContract, ANodeComesWithItsFirstItemAndTakesItAlong) {
     EXPECT_EQ(DAL_isProfiledNodePresent(db, &kNode, 0), 0);
     EXPECT_EQ(kInt.set(db, &kItem, 1) + kInt.set(db, &kSecond, 0), 0);
     EXPECT_NE(DAL_isProfiledNodePresent(db, &kNode, 0), 0);
-    static char** listed = DAL_listProfiledNodeItems(db, &kWholeList, "az_09", 0);
-    EXPECT_NE(listed, nullptr) << "its form and release are the library's own";
+    EXPECT_EQ(listed(), (std::set<std::string>{"m", "n"}));
     EXPECT_EQ(DAL_deleteProfiledNodeItem(db, &kNode, 0), 0);
     EXPECT_EQ(DAL_isProfiledNodePresent(db, &kNode, 0), 0);
     expectStored(kInt, kItem, kAbsent);
@@ -177,6 +189,7 @@ TEST_F(DataAccessContract, ANodeComesWithItsFirstItemAndTakesItAlong) {
     execute("INSERT INTO tbl_az_09 VALUES ('of another profile', '5');");
     EXPECT_EQ(DAL_deleteProfiledNodeItem(db, &kWholeList, DAL_ALL_PROFILES), 0);
     EXPECT_EQ(query(folder + "/db", "SELECT * FROM tbl_az_09"), "");
+    EXPECT_EQ(listed(), std::set<std::string>());
     expectStored(kInt, kSecond, kAbsent);
 }
 

@@ -1,42 +1,123 @@
 #include <console-manager/settings.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 
+#include "child.h"
 #include "quiet.h"
 #include "setting.h"
 
 namespace fs = std::filesystem;
 
-const Database kPersistent = {"persistent", "/mnt/vex-data/m7/console-manager.db",
-                              DAL_CML_getTheme};
-const Database kVolatile = {"volatile", "/tmp/m7/console-manager.db", DAL_CML_getAutoTheme};
+namespace {
 
-std::string whyUnusable(const Database& database) {
-    const fs::path file = database.path;
-    fs::path folder = file.parent_path();  // or the nearest above, in which it has to be made
+bool isListed() {
+    char** const nodes = DAL_CML_listHomeScreenIconsNodes();
+    take(nodes);
+    return nodes != nullptr;
+}
+
+bool isAutoThemeRead() {
+    int32_t value = 0;
+    return DAL_CML_getAutoTheme(&value) == 0;
+}
+
+// Who holds a lock on these bytes of a file that keeps others from taking one of that type; empty
+// if nobody does.
+std::string holderOf(const std::string& path, short type, off_t start, off_t length) {
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = start;
+    lock.l_len = length;
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const bool held = fcntl(file, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    close(file);
+    return !held            ? ""
+           : lock.l_pid > 0 ? "process " + std::to_string(lock.l_pid)
+                            : "another process";
+}
+
+// By the bytes that SQLite locks. With the write-ahead journal, readers don't keep writers off, and
+// writers lock bytes of the journal's index.
+std::string lockOf(const std::string& path) {
+    constexpr off_t kPendingByte = 0x40000000;
+    constexpr off_t kLockBytes = 512;
+    constexpr off_t kIndexLockBytes = 120;
+    const bool writesAhead = fs::exists(path + "-wal");
+    const std::string holder =
+        holderOf(path, writesAhead ? F_RDLCK : F_WRLCK, kPendingByte, kLockBytes);
+    return writesAhead && holder.empty() ? holderOf(path + "-shm", F_RDLCK, kIndexLockBytes, 8)
+                                         : holder;
+}
+
+bool isDatabase(const fs::path& file) {
+    constexpr const char kMagic[] = "SQLite format 3";
+    char magic[sizeof kMagic] = {};
+    std::ifstream(file).read(magic, sizeof magic);
+    return std::memcmp(magic, kMagic, sizeof magic) == 0;
+}
+
+// Why the library fails on a database, as far as it can be seen from outside; else empty.
+std::string causeOf(const fs::path& file) {
+    constexpr uintmax_t kLeastRoom = 65536;  // a write-ahead journal and its index
+    fs::path folder = file.parent_path();    // or the nearest above, in which it has to be made
     while (access(folder.c_str(), F_OK) != 0 && errno == ENOENT) {
         folder = folder.parent_path();
     }
-    // The journal beside the file has to be written even by those who only read.
+    // Readers write, too: to the journal's index.
     for (const fs::path& path : {folder, file}) {
         if (access(path.c_str(), R_OK | W_OK) != 0 && errno != ENOENT) {
-            return path.string() + ": " + std::strerror(errno);
+            const std::string cause = std::strerror(errno);
+            return path == file ? cause : path.string() + ": " + cause;
         }
     }
     std::error_code ignored;
-    return fs::space(folder, ignored).available == 0 ? "its disk is full"
-           : !fs::exists(file, ignored)              ? "it can't be made"
-                                                     : "it is damaged, or another process holds it";
+    const bool exists = fs::exists(file, ignored);
+    if (exists && fs::file_size(file, ignored) != 0 && !isDatabase(file)) {
+        return "it is no database";
+    }
+    if (const std::string holder = exists ? lockOf(file) : ""; !holder.empty()) {
+        return "it is locked by " + holder;
+    }
+    return fs::space(folder, ignored).available < kLeastRoom ? "its disk is full"
+           : exists                                          ? ""
+                                                             : "it can't be made";
+}
+
+// In a child process: closing a file releases all locks of a process on it, the library's too.
+std::string seenFromOutside(const Database& database) {
+    return saidByChild([&] { std::fputs(causeOf(database.path).c_str(), stderr); });
+}
+
+std::string nameOf(const Database& database) {
+    return std::string("the ") + database.name + " database " + database.path;
+}
+
+}  // namespace
+
+const Database kPersistent = {"persistent", "/mnt/vex-data/m7/console-manager.db", isListed};
+const Database kVolatile = {"volatile", "/tmp/m7/console-manager.db", isAutoThemeRead};
+
+std::string whyFailed(const Database& database) {
+    const std::string cause = seenFromOutside(database);
+    return "in " + nameOf(database) + ": " + (cause.empty() ? "it is damaged" : cause);
 }
 
 Json troubleOf(const Database& database) {
-    const Quiet quiet;  // the library tells less, and as often as it is asked
-    int32_t value = 0;
-    return database.get(&value) == 0
+    const Quiet quiet;  // the library would log each of its failures
+    if (database.isRead()) {
+        return nullptr;
+    }
+    const std::string cause = seenFromOutside(database);
+    // Some data access libraries fail a getter when nothing is stored.
+    return cause.empty() && &database == &kVolatile
                ? Json()
-               : Json(std::string("the ") + database.name + " database " + database.path +
-                      " can't be used: " + whyUnusable(database));
+               : Json(nameOf(database) +
+                      " can't be used: " + (cause.empty() ? "it is damaged" : cause));
 }

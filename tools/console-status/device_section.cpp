@@ -16,22 +16,21 @@
 
 namespace {
 
-Json readSoftware() {
+void readSoftware(Json& report, const Json&) {
     char* kernel = nullptr;
     char* version = nullptr;
     CML_getLinuxReleaseInformation(&kernel, &version);
     const auto upTime = static_cast<double>(CML_getUpTime());
-    Json software = {{"product", orNull(CML_getProductID())},
-                     {"release", orNull(CML_getProductRelease())},
-                     {"build", orNull(CML_getBuildId())},
-                     {"build_type", orNull(CML_getBuildType())},
-                     {"machine", orNull(CML_getMachineName())},
-                     {"kernel_release", orNull(kernel)},
-                     {"kernel_version", orNull(version)},
-                     {"uptime_seconds", upTime == 0 ? Json() : Json(upTime)}};
+    report["device"] = {{"product", orNull(CML_getProductID())},
+                        {"release", orNull(CML_getProductRelease())},
+                        {"build", orNull(CML_getBuildId())},
+                        {"build_type", orNull(CML_getBuildType())},
+                        {"machine", orNull(CML_getMachineName())},
+                        {"kernel_release", orNull(kernel)},
+                        {"kernel_version", orNull(version)},
+                        {"uptime_seconds", upTime == 0 ? Json() : Json(upTime)}};
     std::free(kernel);
     std::free(version);
-    return software;
 }
 
 // Sizes of 1024 bytes. A total of 0 is unknown; the highest stands for all above it, without a
@@ -112,19 +111,21 @@ std::string upTimeText(double seconds) {
     return text;
 }
 
-std::string showSoftware(const Json& device) {
+std::string showSoftware(const Json& report) {
+    const Json& device = report["device"];
     const auto text = [&](const char* key, const char* more) {
         const Json& second = device[more];
         return Cell(device[key]).text + (second.is_null() ? "" : " " + Cell(second).text);
     };
     const Json& upTime = device["uptime_seconds"];
+    const bool watched = device.contains("load") && device["load"].contains("history");
     const std::vector<Row> rows = {
         {"Product", text("product", "release")},
         {"Build", text("build", "build_type")},
         {"Machine", Cell(device["machine"])},
         {"Kernel", text("kernel_release", "kernel_version")},
         {"Up-time", upTime.is_null() ? Cell(upTime) : upTimeText(upTime)}};
-    return tableOf({"", ""}, rows);
+    return title("Device") + (watched ? "" : tableOf({"", ""}, rows) + "\n");
 }
 
 // A share as a bar, with a colour if it can be urgent, and as a figure.
@@ -152,7 +153,8 @@ Row meterOf(const char* name, const Json& space, const std::string& part, bool i
                                    sizeText(bytes) + " of " + sizeText(total) + " " + part);
 }
 
-std::string showMeters(const Json& device) {
+std::string showLoad(const Json& report) {
+    const Json& device = report["device"];
     const Json& load = device["load"];
     std::vector<Row> rows = {meter("Load", load["all"], true,
                                    load.contains("history") ? sparkline(load["history"]) : "")};
@@ -164,20 +166,14 @@ std::string showMeters(const Json& device) {
     return tableOf({"", "", ">", ""}, rows);
 }
 
-void readDevice(Json& report, const Json&) {
+void readAllLoad(Json& report, const Json&) {
     Json& device = report["device"];
-    device = readSoftware();
     device["load"] = readLoad();
     device["memory"] = readMemory();
     device["storage"] = readStorage();
 }
 
-std::string showDevice(const Json& report) {
-    const Json& device = report["device"];
-    const bool watched = device["load"].contains("history");
-    return title("Device") + (watched ? "" : showSoftware(device) + "\n") + showMeters(device);
-}
-
 }  // namespace
 
-const Section kDeviceSection = {"device", false, readDevice, showDevice};
+const Section kSoftwareSection = {"device", false, readSoftware, showSoftware};
+const Section kLoadSection = {"device", false, readAllLoad, showLoad};

@@ -1,6 +1,9 @@
 #include <console-manager/network.h>
 #include <sys/wait.h>
 
+#include <cstdio>
+
+#include "child.h"
 #include "commands.h"
 #include "report.h"
 
@@ -15,9 +18,17 @@ bool isPlain(const std::string& name) {
            name.find_first_not_of(kPlain) == std::string::npos;
 }
 
-// By what the library gives: the wait status of a shell, or -1.
-std::string outcomeOf(int32_t status) {
-    const int ofPing = WIFEXITED(status) ? WEXITSTATUS(status) : 127;
+// The wait status of the shell that ran ping, or -1; none if there is no child process. In a child
+// process, because the library ignores SIGINT while it waits.
+std::optional<int> ping(const std::string& host, int seconds, const std::string& port) {
+    return numberOf(saidByChild([&] {
+        std::fputs(
+            std::to_string(CML_getHostAvailable(host.c_str(), seconds, port.c_str())).c_str(),
+            stderr);
+    }));
+}
+
+std::string outcomeOf(int ofPing) {
     return ofPing == 0     ? "answers"
            : ofPing == 1   ? "doesn't answer"
            : ofPing == 127 ? "can't be asked: the ping command can't be run"
@@ -32,9 +43,9 @@ int pingHost(const Arguments& arguments) {
     if (!isPlain(host) || (arguments.has('p') && !isPlain(port))) {
         throw UsageError(quoted(isPlain(host) ? port : host) + " is no name or address");
     }
-    const int32_t status =
-        CML_getHostAvailable(host.c_str(), arguments.seconds('t', "2"), port.c_str());
-    const Json told = {{"host", host}, {"available", status == 0}};
-    print(arguments.has('j') ? jsonText(told) : host + " " + outcomeOf(status) + "\n");
-    return status == 0 ? kDone : kFailed;
+    const int status = ping(host, arguments.seconds('t', "2"), port).value_or(-1);
+    const int ofPing = WIFEXITED(status) ? WEXITSTATUS(status) : 127;
+    const Json told = {{"host", host}, {"available", ofPing > 1 ? Json() : Json(ofPing == 0)}};
+    print(arguments.has('j') ? jsonText(told) : host + " " + outcomeOf(ofPing) + "\n");
+    return ofPing == 0 ? kDone : kFailed;
 }

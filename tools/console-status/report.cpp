@@ -20,9 +20,11 @@ using Sections = std::vector<const Section*>;
 
 constexpr size_t kMostHistory = 20;
 
-// The one that is named, or all. What --watch shows of all is what changes by itself.
+// The one that is named, or all: the settings last, because they may wait for a lock. What --watch
+// shows of all is what changes by itself.
 Sections sectionsOf(const Arguments& arguments) {
-    Sections sections = {&kSettingsSection, &kDeviceSection, &kPortsSection, &kWifiSection};
+    Sections sections = {&kSoftwareSection, &kLoadSection, &kPortsSection, &kWifiSection,
+                         &kSettingsSection};
     std::erase_if(sections, [&](const Section* section) {
         return arguments.words.empty() ? section == &kSettingsSection && arguments.has('w')
                                        : section->name != arguments.words[0];
@@ -30,12 +32,17 @@ Sections sectionsOf(const Arguments& arguments) {
     return sections;
 }
 
-Json readAll(const Sections& sections) {
+// Shows each section as soon as it is read, if it is to be shown.
+Json readAll(const Sections& sections, bool isShown = false) {
     Json report;
-    const bool needed = std::ranges::any_of(sections, &Section::usesPorts);
-    const Json ports = needed ? portNames() : Json();
+    Json ports;
     for (const Section* section : sections) {
+        if (section->usesPorts && ports.is_null()) {
+            ports = portNames();
+        }
         section->read(report, ports);
+        print(isShown ? section->show(report) : "");
+        std::fflush(stdout);
     }
     return report;
 }
@@ -170,7 +177,7 @@ int reportSections(const Arguments& arguments) {
     if (arguments.has('w')) {
         return watch(sections, arguments.seconds('w', ""), asJson);
     }
-    const Json report = readAll(sections);
-    print(asJson ? jsonText(report) : showAll(sections, report));
+    const Json report = readAll(sections, !asJson);
+    print(asJson ? jsonText(report) : "");
     return statusOf(report);
 }

@@ -19,10 +19,11 @@ struct Section {
     // reports, with which it shows what changes alone.
     std::string (*show)(const Json& report);
 };
-extern const Section kSettingsSection;
-extern const Section kDeviceSection;
+extern const Section kSoftwareSection;  // and the next are the parts of "device"
+extern const Section kLoadSection;
 extern const Section kPortsSection;
 extern const Section kWifiSection;
+extern const Section kSettingsSection;
 
 // The names of the device's network ports; null, after a message on stderr, if they can't be
 // listed.

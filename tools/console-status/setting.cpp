@@ -4,6 +4,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <type_traits>
 
 #include "commands.h"
@@ -26,16 +27,16 @@ Json getNumber(const char* node) {
     return call<kGet>(node, &value) == 0 ? Json(value) : Json();
 }
 
-template <auto kGet>
+template <auto kGetMalloc>
 Json getText(const char* node) {
-    std::string text(1, '\0');
-    uint32_t length = 0;
-    if (call<kGet>(node, text.data(), &length, text.size()) != 0) {
-        return nullptr;
+    char* text = nullptr;
+    uint32_t ofLibrary = 0;
+    if (call<kGetMalloc>(node, &text, &ofLibrary) != 0 || text == nullptr) {
+        return nullptr;  // whatever text points to
     }
-    text.resize(length + 1);
-    call<kGet>(node, text.data(), &length, text.size());
-    return text.c_str();
+    Json value = text;
+    std::free(text);
+    return value;
 }
 
 template <auto kSet>
@@ -50,18 +51,20 @@ int32_t setText(const char* node, const Json& value) {
 
 // clang-format off
 #define NODES(node)                                                                              \
-    {DAL_CML_list##node##s, DAL_CML_is##node##Present, DAL_CML_delete##node, DAL_CML_deleteAll##node##s}
-#define ROW(name, database, kind, Form, nodes, ...)                                              \
-    {#name, &k##database, Kind::kind, {__VA_ARGS__}, DAL_CML_get##name##Default(),               \
-     get##Form<DAL_CML_get##name>, set##Form<DAL_CML_set##name>, call<DAL_CML_delete##name>,     \
-     call<DAL_CML_is##name##Present>, nodes},
-#define BOOL_SETTING(name, ...) ROW(name, Persistent, Truth, Number, {}, {0, "false"}, {1, "true"})
-#define INT_SETTING(name, ...) ROW(name, Persistent, Number, Number, {})
-#define STRING_SETTING(name, ...) ROW(name, Persistent, Text, Text, {})
+    DAL_CML_list##node##s, DAL_CML_is##node##Present, DAL_CML_delete##node, DAL_CML_deleteAll##node##s
+#define ROW(name, database, kind, getter, Form, words, ...)                                      \
+    {#name, &k##database, Kind::kind, words, DAL_CML_get##name##Default(), getter,               \
+     set##Form<DAL_CML_set##name>, call<DAL_CML_delete##name>, call<DAL_CML_is##name##Present>, {__VA_ARGS__}},
+#define NUMBER(name, database, kind, ...)                                                        \
+    ROW(name, database, kind, getNumber<DAL_CML_get##name>, Number, __VA_ARGS__)
+#define TEXT(name, ...) ROW(name, Persistent, Text, getText<DAL_CML_get##name##Malloc>, Text, __VA_ARGS__)
+#define BOOL_SETTING(name, ...) NUMBER(name, Persistent, Truth, Words({{0, "false"}, {1, "true"}}))
+#define INT_SETTING(name, ...) NUMBER(name, Persistent, Number, {})
+#define STRING_SETTING(name, ...) TEXT(name, {})
 #define ENUMERATED_SETTING(name, key, scope, database, initial, meaning, ...)                    \
-    ROW(name, database, Word, Number, {}, __VA_ARGS__)
-#define INT_LIST(name, node, ...) ROW(name, Persistent, Number, Number, NODES(node))
-#define STRING_LIST(name, node, ...) ROW(name, Persistent, Text, Text, NODES(node))
+    NUMBER(name, database, Word, Words({__VA_ARGS__}))
+#define INT_LIST(name, node, ...) NUMBER(name, Persistent, Number, {}, NODES(node))
+#define STRING_LIST(name, node, ...) TEXT(name, {}, NODES(node))
 // clang-format on
 
 std::vector<Setting> sorted(std::vector<Setting> settings) {
@@ -86,7 +89,7 @@ Json wordOf(const Setting& setting, const Json& value) {
     return nullptr;
 }
 
-Json valueOf(const Setting& setting, const std::string& text) {
+Json parseValue(const Setting& setting, const std::string& text) {
     if (setting.kind == Kind::Text) {
         return text;
     }
@@ -110,9 +113,16 @@ Json valueOf(const Setting& setting, const std::string& text) {
 
 Json nodesOf(const Setting& list) {
     char** const nodes = list.nodes.list();
+    Names names = take(nodes);
+    std::ranges::sort(names);
     Json entries = nodes != nullptr ? Json::array() : Json();
-    for (const std::string& node : take(nodes)) {
-        entries.push_back({{"node", node}, {"value", list.get(node.c_str())}});
+    for (const std::string& name : names) {
+        const bool isStored = list.isPresent(name.c_str()) != 0;
+        const Json value = isStored ? list.get(name.c_str()) : list.fallback;
+        if (value.is_null()) {
+            return nullptr;
+        }
+        entries.push_back({{"node", name}, {"value", value}, {"stored", isStored}});
     }
     return entries;
 }
@@ -123,7 +133,8 @@ Json readSetting(const Setting& setting, bool usable, const char* node) {
                 {"default", setting.fallback},
                 {"database", setting.database->name}};
     }
-    const Json value = usable ? setting.get(node) : Json();
+    const bool isStored = usable && setting.isPresent(node) != 0;
+    const Json value = !usable ? Json() : isStored ? setting.get(node) : setting.fallback;
     Json words;
     for (const Word& word : setting.words) {
         words.push_back(word.text);
@@ -133,7 +144,7 @@ Json readSetting(const Setting& setting, bool usable, const char* node) {
             {"words", words},
             {"default", setting.fallback},
             {"default_word", wordOf(setting, setting.fallback)},
-            {"stored", value.is_null() ? Json() : Json(setting.isPresent(node) != 0)},
+            {"stored", value.is_null() ? Json() : Json(isStored)},
             {"database", setting.database->name}};
 }
 

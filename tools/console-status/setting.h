@@ -10,15 +10,15 @@
 struct Database {
     const char* name;
     const char* path;
-    int32_t (*get)(int32_t* value);  // of a value in it; 0 if the database can be used
+    bool (*isRead)();  // whether the library can read it
 };
 extern const Database kPersistent;
 extern const Database kVolatile;
 
-// Why something on a database fails, as far as the file system tells.
-std::string whyUnusable(const Database& database);
+// "in the persistent database PATH: CAUSE", after a failure of the library.
+std::string whyFailed(const Database& database);
 
-// That as a sentence, or null if the database can be used.
+// Why a database can't be used, or null if it can. Waits once if the database is locked.
 Json troubleOf(const Database& database);
 
 // A name for a number.
@@ -26,6 +26,7 @@ struct Word {
     int32_t number;
     const char* text;
 };
+using Words = std::vector<Word>;
 
 // The functions that only a list has.
 struct Nodes {
@@ -48,9 +49,9 @@ struct Setting {
     std::string name;
     const Database* database;
     Kind kind;
-    std::vector<Word> words;        // by number
+    Words words;                    // by number
     Json fallback;                  // the default
-    Json (*get)(const char* node);  // null if the value can't be read
+    Json (*get)(const char* node);  // of what is stored; null if that can't be read
     int32_t (*set)(const char* node, const Json& value);
     int32_t (*reset)(const char* node);
     int32_t (*isPresent)(const char* node);
@@ -67,9 +68,10 @@ Json wordOf(const Setting& setting, const Json& value);
 
 // The value that a text stands for: a word in any case of letters, a number or the text itself.
 // Throws UsageError if the setting can't have it.
-Json valueOf(const Setting& setting, const std::string& text);
+Json parseValue(const Setting& setting, const std::string& text);
 
-// The nodes of a list with their values; null if it can't be read.
+// The nodes of a list, sorted, each with its value; null if the list can't be read. "stored" is
+// false for a node that has no value of its own.
 Json nodesOf(const Setting& list);
 
 // What the report has of a setting, a list or, if node isn't null, a node of it: "value" or "nodes"

@@ -20,8 +20,8 @@ struct Target {
 
 int resultOf(const std::string& what, const Target& target, bool isDone) {
     return isDone ? kDone
-                  : fail("can't " + what + " " + target.name + ": " +
-                         whyUnusable(*target.setting.database));
+                  : fail("can't " + what + " " + target.name + " " +
+                         whyFailed(*target.setting.database));
 }
 
 int showValue(const Target& target, bool asJson) {
@@ -47,6 +47,20 @@ int showValue(const Target& target, bool asJson) {
     return kDone;
 }
 
+int change(const std::string& what, const Target& target, const Json& value) {
+    const Setting& setting = target.setting;
+    const char* const node = target.node;
+    const auto succeeds = [&] {
+        const Quiet quiet;
+        // Not every library takes the removal of nothing as a success.
+        return what == "set"     ? setting.set(node, value) == 0
+               : what == "reset" ? setting.isPresent(node) == 0 || setting.reset(node) == 0
+               : what == "clear" ? setting.nodes.clear() == 0
+                                 : setting.nodes.remove(node) == 0;
+    };
+    return resultOf(what, target, succeeds());
+}
+
 // Whether a terminal's user agrees.
 bool isAgreed() {
     if (isatty(STDIN_FILENO) != 1) {
@@ -57,9 +71,16 @@ bool isAgreed() {
     return answer == 'y' || answer == 'Y';
 }
 
-// Whether a setting, or a list, has a value after all.
-bool holdsValues(const Setting& setting) {
-    return setting.isList() ? nodesOf(setting) != Json::array() : setting.isPresent(nullptr) != 0;
+// What is wrong with a database after a factory reset, or null.
+Json remainderOf(const Database& database) {
+    const Quiet quiet;
+    // Lists first: one that can't be read ends the search, and so only one call waits for a lock.
+    const auto left = std::find_if(kSettings.rbegin(), kSettings.rend(), [&](const Setting& each) {
+        return each.database == &database &&
+               (each.isList() ? nodesOf(each) != Json::array() : each.isPresent(nullptr) != 0);
+    });
+    return left == kSettings.rend() ? troubleOf(database)
+                                    : Json("can't reset " + left->name + " " + whyFailed(database));
 }
 
 }  // namespace
@@ -82,19 +103,13 @@ int useSetting(const Arguments& arguments) {
     const char* const node = hasNode ? arguments.words[2].c_str() : nullptr;
     const Target target{setting, node, hasNode ? name + " " + quoted(node) : name};
     if (what == "set") {  // makes the node
-        const Json value = valueOf(setting, arguments.words.back());
-        return resultOf(what, target, setting.set(node, value) == 0);
+        return change(what, target, parseValue(setting, arguments.words.back()));
     }
     if (hasNode && setting.nodes.isPresent(node) == 0) {
         return fail("there is no " + target.name + suggestion(node, take(setting.nodes.list())));
     }
-    if (what == "get" || what == "list") {
-        return showValue(target, arguments.has('j'));
-    }
-    return resultOf(what, target,
-                    (what == "reset"    ? setting.reset(node)
-                     : what == "remove" ? setting.nodes.remove(node)
-                                        : setting.nodes.clear()) == 0);
+    return what == "get" || what == "list" ? showValue(target, arguments.has('j'))
+                                           : change(what, target, nullptr);
 }
 
 int resetAll(const Arguments& arguments) {
@@ -105,15 +120,11 @@ int resetAll(const Arguments& arguments) {
         const Quiet quiet;
         DAL_CML_deleteAll();
     }
-    // The library clears what it can open, and doesn't tell whether that went well.
+    // The library's result doesn't say whether the removal went well.
     int status = kDone;
     for (const Database* database : {&kPersistent, &kVolatile}) {
-        const Json trouble = troubleOf(*database);
-        status = trouble.is_null() ? status : fail(trouble);
+        const Json remainder = remainderOf(*database);
+        status = remainder.is_null() ? status : fail(remainder);
     }
-    if (status != kDone) {
-        return status;
-    }
-    const auto left = std::ranges::find_if(kSettings, holdsValues);
-    return left == kSettings.end() ? kDone : fail("can't reset " + left->name);
+    return status;
 }

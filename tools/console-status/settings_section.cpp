@@ -14,7 +14,7 @@ void readSettings(Json& report, const Json&) {
         Json& entry = told[setting.isList() ? "lists" : "settings"][setting.name];
         entry = readSetting(setting, error.is_null());
         if (error.is_null() && entry.front().is_null()) {
-            error = "can't read " + setting.name;
+            error = "can't read " + setting.name + " " + whyFailed(*setting.database);
         }
     }
     report["databases"] = databases;

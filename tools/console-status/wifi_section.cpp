@@ -1,17 +1,16 @@
 #include <console-manager/wifi.h>
-#include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <sstream>
 
+#include "child.h"
 #include "commands.h"
 #include "report.h"
 #include "table.h"
@@ -31,60 +30,57 @@ std::string bssidText(const uint8_t (&bssid)[6]) {
     return text;
 }
 
-// Of a station to which the port has no link all but connected is null.
+// What the kernel didn't send keeps the value that was there before the call.
+constexpr wifi_bss_record kUnsent = {{}, 0, "", CML_BSS_STATUS_NONE, INT32_MIN, UINT32_MAX};
+constexpr wifi_station_record kUnsentLink = {{},       "",         CML_BSS_STATUS_NONE, INT8_MIN,
+                                             INT8_MIN, UINT32_MAX, UINT32_MAX};
+
+template <typename Value>
+Json sent(const Value& value, const Value& unsent) {
+    return value == unsent ? Json() : Json(value);
+}
+
+// Without a link nothing else is known.
 Json linkOf(const wifi_station_record& station) {
-    const bool connected = isJoined(station.status);
-    const auto known = [&](const Json& value) { return connected ? value : Json(); };
-    return {{"connected", connected},
-            {"ssid", known(orNull(station.ssid))},
-            {"bssid", known(bssidText(station.bssid))},
-            {"signal_dbm", known(station.signal_dbm)},
-            {"rx_packets", known(station.rx_packets)},
-            {"tx_packets", known(station.tx_packets)}};
-}
-
-// Asks in a process that ends, as most failures of Wi-Fi end it anyhow. The answer follows what the
-// library says on stderr, in a line of its own.
-[[noreturn]] void answer(const char* port) {
-    wifi_station_record station{};
-    station.status = CML_BSS_STATUS_NONE;
-    if (wifi_data* const wifi = wifi_scan_init(port); wifi != nullptr) {
-        wifi_scan_station(wifi, &station);
-        std::fprintf(stderr, "\n%s", jsonText(linkOf(station), -1).c_str());
+    if (!isJoined(station.status)) {
+        return {{"connected", false}};
     }
-    _exit(0);
+    return {{"connected", true},
+            {"ssid", orNull(station.ssid)},
+            {"bssid", bssidText(station.bssid)},
+            {"signal_dbm", sent(station.signal_dbm, kUnsentLink.signal_dbm)},
+            {"rx_packets", sent(station.rx_packets, kUnsentLink.rx_packets)},
+            {"tx_packets", sent(station.tx_packets, kUnsentLink.tx_packets)}};
 }
 
+// Asks in a child process, because most failures of Wi-Fi end the process. Its answer follows the
+// library's messages, on a line of its own.
 Json readLink(const std::string& port) {
-    // The library's exit in the child would write out once more what is in the buffer.
-    std::fflush(stdout);
-    const auto close = [](FILE* file) { std::fclose(file); };
-    const std::unique_ptr<FILE, decltype(close)> said(
-        fdopen(memfd_create("said", MFD_CLOEXEC), "r+"), close);
-    const pid_t child = said ? fork() : -1;
-    if (child == 0) {
-        dup2(fileno(said.get()), STDERR_FILENO);
-        answer(port.c_str());
-    }
-    std::string last = child < 0 ? std::strerror(errno) : "no answer";
-    if (child > 0) {
-        waitpid(child, nullptr, 0);
-        std::rewind(said.get());
-        for (char line[1024]; std::fgets(line, sizeof line, said.get()) != nullptr;) {
-            last = *line == '\n' ? last : std::string(line, std::strcspn(line, "\n"));
+    std::istringstream said(saidByChild([&] {
+        wifi_station_record station = kUnsentLink;
+        if (wifi_data* const wifi = wifi_scan_init(port.c_str()); wifi != nullptr) {
+            wifi_scan_station(wifi, &station);
+            std::fprintf(stderr, "\n%s", jsonText(linkOf(station), -1).c_str());
         }
+    }));
+    std::string last = "no answer";
+    for (std::string line; std::getline(said, line);) {
+        last = line.empty() ? last : line;
+    }
+    Json told = {{"port", port}};
+    for (const char* const key :
+         {"connected", "ssid", "bssid", "signal_dbm", "rx_packets", "tx_packets", "error"}) {
+        told[key] = nullptr;
     }
     const Json link = Json::parse(last, nullptr, false);
-    Json told = {{"port", port}};
-    told.update(link.is_object() ? link : linkOf({}));
-    told["error"] = link.is_object() ? Json() : Json(last);
+    told.update(link.is_object() ? link : Json{{"error", last}});
     return told;
 }
 
 // A bar from -100 dBm to -50 dBm, and the figure.
 Cell signalCell(const Json& dbm) {
     if (dbm.is_null()) {
-        return "";
+        return Cell(dbm);
     }
     const double quality = (dbm.get<double>() + 100) / 50;
     return {bar(quality, 8) + " " + std::to_string(std::lround(dbm.get<double>())) + " dBm",
@@ -97,17 +93,19 @@ Cell ssidCell(const Json& ssid) {
     return ssid.is_null() ? Cell("(hidden)", kDim) : Cell(ssid);
 }
 
-// What the kernel listed, strongest first.
+// What the kernel listed, strongest first; at the end those whose signal isn't known.
 Json networksOf(std::vector<wifi_bss_record> records) {
     std::ranges::stable_sort(records, std::greater(), &wifi_bss_record::signal_mbm);
     Json networks = Json::array();
     for (const wifi_bss_record& record : records) {
-        networks.push_back({{"ssid", orNull(record.ssid)},
-                            {"bssid", bssidText(record.bssid)},
-                            {"frequency_mhz", record.frequency},
-                            {"signal_dbm", record.signal_mbm / 100.0},
-                            {"seen_ms_ago", record.seen_ms_ago},
-                            {"joined", isJoined(record.status)}});
+        networks.push_back(
+            {{"ssid", orNull(record.ssid)},
+             {"bssid", bssidText(record.bssid)},
+             {"frequency_mhz", sent(record.frequency, kUnsent.frequency)},
+             {"signal_dbm",
+              record.signal_mbm == kUnsent.signal_mbm ? Json() : Json(record.signal_mbm / 100.0)},
+             {"seen_ms_ago", sent(record.seen_ms_ago, kUnsent.seen_ms_ago)},
+             {"joined", isJoined(record.status)}});
     }
     return networks;
 }
@@ -166,11 +164,13 @@ int scanWifi(const Arguments& arguments) {
     // The cursor stays in front, so that a message of the library takes the line.
     const bool visible = isatty(STDERR_FILENO) == 1;
     std::fputs(visible ? "Scanning...\r" : "", stderr);
-    std::vector<wifi_bss_record> records(kMostNetworks);
+    std::vector<wifi_bss_record> records(kMostNetworks, kUnsent);
     const int32_t count = wifi_scan_all(wifi.get(), records.data(), kMostNetworks);
     std::fputs(visible ? "           \r" : "", stderr);
     if (count < 0) {
-        return fail("can't scan with " + port + ": it is down, not wireless or busy");
+        return fail("can't scan with " + port +
+                    ": it is down or not wireless, its radio is busy, its scan was given up, or "
+                    "the right to scan (CAP_NET_ADMIN) is missing");
     }
     records.resize(static_cast<size_t>(std::min(count, kMostNetworks)));
     const Json told = {{"port", port},

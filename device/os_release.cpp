@@ -7,7 +7,10 @@
 #include "system/text_fields.h"
 #include "system/text_file.h"
 
-std::map<std::string, std::string> os_release;
+// Also when the header withholds the declaration from a build with _GLIBCXX_DEBUG.
+extern "C" {
+__attribute__((visibility("default"))) std::map<std::string, std::string> os_release;
+}
 
 namespace {
 

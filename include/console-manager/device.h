@@ -16,14 +16,16 @@
 #include <stdint.h>
 
 #ifdef __cplusplus
+extern "C++" {  // also where the application includes this header within extern "C"
 #include <map>
 #include <string>
+}
 
 extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-#ifdef __cplusplus
+#if defined(__GLIBCXX__) && _GLIBCXX_USE_CXX11_ABI && !defined(_GLIBCXX_DEBUG)
 /**
  * The entries of "/etc/os-release" by key, without the double quotes that enclose a value. For C++
  * applications that want a key for which there is no function below; to be read, not changed.
@@ -31,6 +33,9 @@ extern "C" {
  * It is empty until the first call of one of those five functions, which fills it. Each of them
  * also enters the key that it stands for, with an empty value, if the file doesn't have it. No
  * entry is ever removed.
+ *
+ * Declared only if the application's standard library lays out the map as the library's does: GCC's
+ * library with its current ABI, without _GLIBCXX_DEBUG.
  *
  * Threads. The library serialises its own writes, so that the five functions need no care. The
  * application may read the map while no such write can happen: not during the first call of any of

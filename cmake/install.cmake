@@ -1,9 +1,9 @@
-# What is installed, by component. runtime: what a console needs; development: what building an
-# application needs besides; stand-ins: for machines that lack the closed libraries. console-status
-# is a component of its own: tools/console-status.
+# Installation by component. runtime: what a console needs; development: headers and files for building
+# applications; stand-ins: for machines without the closed libraries. The component console-status is in
+# tools/console-status.
 
-# Debian's folder for libraries, where its loader, linker, pkg-config and CMake look: cross builds and
-# prefixes other than /usr get it, too.
+# Debian's folder for libraries, in which its loader, linker, pkg-config and CMake search, also for cross
+# builds and for prefixes other than /usr.
 if(CMAKE_LIBRARY_ARCHITECTURE AND NOT DEFINED CMAKE_INSTALL_LIBDIR)
     set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Folder for libraries")
 endif()
@@ -15,9 +15,16 @@ install(DIRECTORY include/console-manager TYPE INCLUDE COMPONENT development)
 install(TARGETS stand-in-data-access stand-in-trace-debug stand-in-qor-core
         LIBRARY NAMELINK_SKIP COMPONENT stand-ins)
 
-# What is installed may be moved as a whole: pkg-config and CMake find the prefix from where they are.
-file(RELATIVE_PATH PREFIX_SEEN_FROM_PC "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
-configure_file(cmake/console-manager.pc.in console-manager.pc @ONLY)
+# The file for pkg-config has the prefix in it, which "cmake --install --prefix" may change.
+set(prefix @prefix@)
+cmake_path(APPEND prefix ${CMAKE_INSTALL_LIBDIR} OUTPUT_VARIABLE libdir)
+cmake_path(APPEND prefix ${CMAKE_INSTALL_INCLUDEDIR} OUTPUT_VARIABLE includedir)
+configure_file(cmake/console-manager.pc.in console-manager.pc.in @ONLY)
+install(CODE "
+    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_PREFIX OUTPUT_VARIABLE prefix)
+    configure_file([[${PROJECT_BINARY_DIR}/console-manager.pc.in]]
+                   [[${PROJECT_BINARY_DIR}/console-manager.pc]] @ONLY)
+" COMPONENT development)
 install(FILES ${PROJECT_BINARY_DIR}/console-manager.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 

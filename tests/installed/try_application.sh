@@ -1,13 +1,13 @@
 #!/bin/sh
-# Builds an example with what is installed under a prefix, as an application does, once by pkg-config
-# and once by find_package, and runs both, and console-status.
+# Builds an example with what is installed under a prefix, once by pkg-config and once by find_package,
+# and runs both and console-status, whose completion must know its commands.
 # usage: own_mounts.sh try_application.sh PREFIX LIBRARY_FOLDER SCRATCH_FOLDER
 set -eu
 prefix=$1 libraries=$1/$2 scratch=$3
 source=$(dirname "$0")/application
 
-# expect WANTED COMMAND...: the command prints that, and nothing else. Only what runs may find the
-# libraries by LD_LIBRARY_PATH; the linker would, too.
+# expect WANTED COMMAND...: the command prints that and nothing else. LD_LIBRARY_PATH is set for programs
+# alone, because the linker would use it, too.
 expect() {
     wanted=$1
     shift
@@ -16,6 +16,10 @@ expect() {
 }
 
 expect EN "$prefix/bin/console-status" get Language
+expect get bash -c '. "$1/share/bash-completion/completions/console-status"
+    COMP_WORDS=("$1/bin/console-status" ge) COMP_CWORD=1
+    _console_status "$1/bin/console-status"
+    echo "${COMPREPLY[@]}"' bash "$prefix"
 
 # shellcheck disable=SC2046
 "${CC:-cc}" -Wall -Werror "$source/setting.c" -o "$scratch/application" \
@@ -24,7 +28,7 @@ expect DE "$scratch/application" DE
 expect DE "$prefix/bin/console-status" get Language
 expect "" "$prefix/bin/console-status" reset Language
 
-# A run path would help the linker, too.
+# A run path would also help the linker.
 cmake -S "$source" -B "$scratch/build" "-DCMAKE_PREFIX_PATH=$prefix" -DCMAKE_SKIP_RPATH=ON
 grep -q "^console-manager_DIR:PATH=$libraries/" "$scratch/build/CMakeCache.txt"
 cmake --build "$scratch/build"

@@ -1,5 +1,6 @@
 #!/bin/sh
-# Installs the components of a build and builds an application with them, also after moving them.
+# Installs the components of a build and builds an application with them, also after moving them; and
+# configures a product that contains the project.
 # usage: installed_files.sh BUILD LIBRARY_FOLDER
 set -eu
 work=$(mktemp -d)
@@ -31,3 +32,4 @@ defined=$(PKG_CONFIG_LIBDIR="$work/installed/$2/pkgconfig" pkg-config --define-p
 mv "$work/installed" "$work/moved"
 cmake -S "$work/scripts/application" -B "$work/moved/build" "-DCMAKE_PREFIX_PATH=$work/moved"
 cmake --build "$work/moved/build"
+cmake -S "$work/scripts/product" -B "$work/product" "-DCONSOLE_MANAGER=$(cd "$(dirname "$0")/../.." && pwd)"

@@ -34,5 +34,5 @@ scripts/own_mounts.sh sh -euc '
     for packages in "lib*library0_* lib*-dev_* console-status_*" "*stand-ins_*"; do
         (cd packages && dpkg --root="$OLDPWD/root" --log="$OLDPWD/log" -i $packages)
     done >output 2>&1 || { cat output; exit 1; }
-    exec scripts/try_application.sh "$PWD/root/usr" "$1" "$PWD"
+    PKG_CONFIG_SYSROOT_DIR="$PWD/root" exec scripts/try_application.sh "$PWD/root/usr" "$1" "$PWD"
 ' sh "$2"

@@ -74,7 +74,7 @@ int help(const Arguments& arguments) {
         const bool shown = isAll || takes(*one, option);
         print(shown ? helpLine(name, option.argument, option.help) : "");
     }
-    print(isAll ? kNotes : "");
+    print(isAll ? kNotes : one->name == std::string("settings") ? settingsHelp() : "");
     return kDone;
 }
 
@@ -114,12 +114,12 @@ int run(int count, char** words) {
 }  // namespace
 
 int fail(const std::string& message) {
-    std::fprintf(stderr, "console-status: %s\n", message.c_str());
+    std::fprintf(stderr, "console-status: %s\n", Cell(message).text.c_str());
     return kFailed;
 }
 
 std::string quoted(const std::string& text) {
-    return "'" + Cell(text).text + "'";
+    return "'" + text + "'";
 }
 
 void print(const std::string& text) {

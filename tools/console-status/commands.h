@@ -50,10 +50,10 @@ struct Command {
 
 void print(const std::string& text);
 
-// A message on stderr; gives kFailed.
+// Prints a message on stderr, with "?" for what a terminal would obey. Returns kFailed.
 int fail(const std::string& message);
 
-// Between single quotes, fit to be shown.
+// Between single quotes.
 std::string quoted(const std::string& text);
 
 // "; did you mean ...?" with the one of the names that comes closest, or nothing.
@@ -74,6 +74,9 @@ const Row* find(std::span<const Row> rows, const std::string& name, const std::s
 
 // The whole number that a text is.
 std::optional<int> numberOf(const std::string& text);
+
+// All settings and lists with their values, for "help settings": no database is needed for it.
+std::string settingsHelp();
 
 int reportSections(const Arguments& arguments);
 int useSetting(const Arguments& arguments);

@@ -75,8 +75,9 @@ Json onlineProcessors() {
     return numbers;
 }
 
+// Not a number before there is an interval; beyond the range when a processor has come or gone.
 Json ratio(long double value) {
-    return std::isnan(value) ? Json() : Json(static_cast<double>(value));
+    return value >= 0 && value <= 1 ? Json(static_cast<double>(value)) : Json();
 }
 
 // The library tells the load of all, then of each processor that is online.

@@ -109,7 +109,12 @@ std::string showPorts(const Json& report) {
 
 Json portNames() {
     try {
-        return take(CML_getNetworkPortsList(0));
+        Names names = take(CML_getNetworkPortsList(0));
+        // The bonding driver keeps a file there.
+        std::erase_if(names, [](const std::string& name) {
+            return std::filesystem::is_regular_file("/sys/class/net/" + name);
+        });
+        return names;
     } catch (const std::filesystem::filesystem_error& failure) {
         fail(std::string("the ports can't be listed: ") + failure.what());
         return nullptr;

@@ -63,12 +63,8 @@ int statusOf(const Json& report) {
     return complete && std::ranges::none_of(report, &Json::is_null) ? kDone : kFailed;
 }
 
-double orZero(const Json& number) {
-    return number.is_null() ? 0 : number.get<double>();
-}
-
-// The course of a figure goes on from that of the report before.
-void addHistory(Json& now, Json& before, double figure) {
+// Continues the history of the report before.
+void addHistory(Json& now, Json& before, const Json& figure) {
     Json& history = now["history"] = std::exchange(before["history"], nullptr);
     history.push_back(figure);
     if (history.size() > kMostHistory) {
@@ -76,8 +72,16 @@ void addHistory(Json& now, Json& before, double figure) {
     }
 }
 
-// Adds to a report what the ones before tell: rates, and the course of load and traffic. A rate is
-// null where one of the counts is unknown, or began anew.
+// Null if one of the counts is unknown, or if it began anew.
+Json rateOf(const Json& now, const Json& before, double seconds) {
+    if (now.is_null() || before.is_null()) {
+        return nullptr;
+    }
+    const double rate = (now.get<double>() - before.get<double>()) / seconds;
+    return rate < 0 ? Json() : Json(rate);
+}
+
+// Adds rates and histories to a report, by means of the one before.
 void addPast(Json& report, Json& past, double seconds) {
     std::map<std::string, Json> before;
     for (const Json& port : past["ports"]) {
@@ -85,18 +89,16 @@ void addPast(Json& report, Json& past, double seconds) {
     }
     for (Json& port : report.contains("ports") ? report["ports"] : past["none"]) {
         Json& was = before[port["name"]];
-        double traffic = 0;
-        for (const std::string way : {"rx_bytes", "tx_bytes"}) {
-            const double rate = (orZero(port[way]) - orZero(was[way])) / seconds;
-            const bool known = !was[way].is_null() && !port[way].is_null() && rate >= 0;
-            traffic += known ? rate : 0;
-            port[way + "_per_second"] = known ? Json(rate) : Json();
-        }
-        addHistory(port, was, traffic);
+        const Json in = rateOf(port["rx_bytes"], was["rx_bytes"], seconds);
+        const Json out = rateOf(port["tx_bytes"], was["tx_bytes"], seconds);
+        port["rx_bytes_per_second"] = in;
+        port["tx_bytes_per_second"] = out;
+        const bool known = !in.is_null() && !out.is_null();
+        addHistory(port, was, known ? Json(in.get<double>() + out.get<double>()) : Json());
     }
     if (report.contains("device")) {
         Json& load = report["device"]["load"];
-        addHistory(load, past["device"]["load"], orZero(load["all"]));
+        addHistory(load, past["device"]["load"], load["all"]);
     }
 }
 
@@ -168,7 +170,21 @@ Json orNull(const char* text) {
 }
 
 std::string jsonText(const Json& json, int indent) {
-    return json.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
+    std::string text;
+    for (const char each : json.dump(indent, ' ', false, Json::error_handler_t::replace)) {
+        // Terminals obey the characters from U+007F to U+009F, too, which dump() doesn't escape.
+        const auto byte = static_cast<unsigned char>(each);
+        const bool isSecond = text.ends_with('\xc2') && byte < 0xa0;
+        if (byte != 0x7f && !isSecond) {
+            text += each;
+            continue;
+        }
+        char escape[8];
+        std::snprintf(escape, sizeof escape, "\\u%04x", byte);
+        text.resize(text.size() - (isSecond ? 1 : 0));
+        text += escape;
+    }
+    return text + "\n";
 }
 
 int reportSections(const Arguments& arguments) {

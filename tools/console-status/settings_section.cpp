@@ -1,3 +1,4 @@
+#include "commands.h"
 #include "setting.h"
 #include "table.h"
 
@@ -44,6 +45,25 @@ std::string showSettings(const Json& report) {
            (lists.empty() ? "" : title("Lists") + tableOf({"List", ">Nodes"}, lists));
 }
 
+// With the words that each can have, or what other values.
+std::string namesOf(const Names& headings, bool isOfLists) {
+    std::vector<Row> rows;
+    for (const Setting& setting : kSettings) {
+        std::string values = setting.kind == Kind::Text ? " (text)" : " (number)";
+        for (const Word& word : setting.words) {
+            values = (&word == setting.words.data() ? "" : values) + " " + word.text;
+        }
+        if (setting.isList() == isOfLists) {
+            rows.push_back({setting.name, values.substr(1)});
+        }
+    }
+    return "\n" + tableOf(headings, rows);
+}
+
 }  // namespace
+
+std::string settingsHelp() {
+    return namesOf({"Setting", "Values"}, false) + namesOf({"List", "Values"}, true);
+}
 
 const Section kSettingsSection = {"settings", false, readSettings, showSettings};

@@ -70,12 +70,19 @@ std::string bar(double ratio, size_t columns) {
     return text;
 }
 
-std::string sparkline(const std::vector<double>& values) {
-    const double highest = std::max(1.0, *std::ranges::max_element(values));
+std::string sparkline(const Json& figures) {
+    double highest = 1;
+    for (const Json& figure : figures) {
+        highest = figure.is_null() ? highest : std::max(highest, figure.get<double>());
+    }
     std::string text;
-    for (const double value : values) {
+    for (const Json& figure : figures) {
+        if (figure.is_null()) {
+            text += ' ';
+            continue;
+        }
         // From U+2581 on there are eight blocks, each higher than the one before.
-        const auto step = std::lround(7 * value / highest);
+        const auto step = std::lround(7 * figure.get<double>() / highest);
         text += drawsUnicode ? std::string("\xe2\x96") + static_cast<char>(0x81 + step)
                              : std::string(1, "_.:-=+*#"[step]);
     }

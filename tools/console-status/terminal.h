@@ -2,7 +2,8 @@
 #pragma once
 
 #include <string>
-#include <vector>
+
+#include "report.h"
 
 // To be called before any other function here.
 void setUpTerminal();
@@ -24,7 +25,8 @@ constexpr const char* kGreen = "32";
 constexpr const char* kYellow = "33";
 std::string styled(const char* style, const std::string& text);
 
-// A ratio of 0 to 1 as a bar, and the course of a figure, as parts of its highest or of 1. Both are
-// of ASCII where the locale isn't one of UTF-8.
+// A ratio from 0 to 1 as a bar. ASCII, unless the locale is one of UTF-8; so is the next.
 std::string bar(double ratio, size_t columns);
-std::string sparkline(const std::vector<double>& values);
+
+// Figures as columns, relative to the highest of them or to 1; a blank for null.
+std::string sparkline(const Json& figures);

@@ -3,11 +3,14 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "console-manager/network.h"
 #include "system/deleted_by.h"
+#include "system/text_file.h"
 
 namespace {
 
@@ -28,8 +31,8 @@ const void* bytesOf(const sockaddr* of, int family) {
     return &reinterpret_cast<const sockaddr_in6*>(of)->sin6_addr;
 }
 
-// Writes what `choose` gives of the port's first address of the family that has it into text, or
-// the empty text.
+// Writes the result of `choose` for the port's first address of the family for which it isn't null.
+// Without one the text is empty.
 void writeAddress(const char* port, int family, Choose choose, char* text, socklen_t size) {
     text[0] = '\0';
     ifaddrs* first = nullptr;
@@ -42,7 +45,7 @@ void writeAddress(const char* port, int family, Choose choose, char* text, sockl
             choose(*entry) == nullptr || std::strcmp(entry->ifa_name, port) != 0) {
             continue;
         }
-        // The kernel leaves the family out of some masks: they are of their address's.
+        // Some masks come without a family; theirs is that of the address.
         inet_ntop(family, bytesOf(choose(*entry), family), text, size);
         return;
     }
@@ -66,4 +69,16 @@ const char* CML_getNetworkPortIPv6Address(const char* port) {
     static char ipv6AddressText[INET6_ADDRSTRLEN];
     writeAddress(port, AF_INET6, address, ipv6AddressText, sizeof ipv6AddressText);
     return ipv6AddressText;
+}
+
+const char* CML_getNetworkPortMACAddress(const char* port) {
+    // An array outlives the handlers and threads that still ask while the process ends. A file of
+    // sysfs has at most a page.
+    static char address[4096];
+    address[0] = '\0';
+    const std::string text =
+        readText(std::string("/sys/class/net/").append(port).append("/address").c_str());
+    const size_t length = text.copy(address, std::min(text.find('\n'), sizeof address - 1));
+    address[length] = '\0';
+    return address;
 }

@@ -9,14 +9,13 @@
 #include <vector>
 
 #include "console-manager/network.h"
-#include "network/port_flags.h"
 #include "system/deleted_by.h"
 
 namespace {
 
 using Name = std::unique_ptr<char, DeletedBy<std::free>>;
 
-// Every entry counts, whatever its kind. Throws std::filesystem::filesystem_error.
+// Lists every entry, whatever its kind. Throws std::filesystem::filesystem_error.
 std::vector<Name> readNames(bool onlyActive) {
     std::vector<Name> names;
     for (const auto& entry : std::filesystem::directory_iterator("/sys/class/net")) {
@@ -37,7 +36,7 @@ int compareNames(const void* a, const void* b) {
     return std::strcmp(*static_cast<const char* const*>(a), *static_cast<const char* const*>(b));
 }
 
-// The names in order, as the caller gets them; null if there are none.
+// Returns the sorted names as the caller owns them, or null if there are none.
 char** toArray(std::vector<Name> names) {
     if (names.empty()) {
         return nullptr;
@@ -61,9 +60,4 @@ char** CML_getNetworkPortsList(int32_t onlyActive) {
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
-}
-
-int32_t CML_checkNetworkPortActive(const char* port) {
-    const auto flags = readPortFlags(port);
-    return flags && isRunning(*flags) ? 1 : 0;
 }

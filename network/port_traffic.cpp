@@ -8,7 +8,7 @@
 
 namespace {
 
-// A counter that isn't there, is no number or doesn't fit leaves *bytes as it is.
+// Leaves *bytes alone if the counter is missing, not a number or out of range.
 void readCounter(const std::string& statistics, const char* name, int32_t* bytes) {
     try {
         const std::string text = readText((statistics + name).c_str());
@@ -27,7 +27,7 @@ void readCounter(const std::string& statistics, const char* name, int32_t* bytes
 void CML_getNetworkPortInfo(const char* port, int32_t* rxBytes, int32_t* txBytes) {
     *rxBytes = 0;
     *txBytes = 0;
-    // A port that is an absolute path stands for its own folder.
+    // A port that is an absolute path replaces the folder, as with std::filesystem::path.
     std::string statistics = *port == '/' ? "" : "/sys/class/net/";
     statistics.append(port).append("/statistics/");
     readCounter(statistics, "rx_bytes", rxBytes);

@@ -6,22 +6,15 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <optional>
-#include <span>
 
 #include "console-manager/network.h"
 #include "system/descriptor.h"
 
-// Messages are walked here and not by libmnl, whose walk looks at the type, sequence and sender of
-// each and ends with the dump: a route counts by its table alone, wherever the datagram has it.
-
 namespace {
 
-// On a 32-bit machine the option has two numbers; the one with 64-bit time goes with this timeval.
+// 32-bit systems have two numbers for this option; the one for 64-bit time takes this timeval.
 static_assert(sizeof(timeval) == 16);
 #ifdef __arm__
 static_assert(SO_RCVTIMEO == 66);
@@ -33,32 +26,13 @@ struct RouteRequest {
 };
 static_assert(sizeof(RouteRequest) == 28);
 
-using Bytes = std::span<const std::byte>;
-
-// Reads a record at an offset; the caller has made sure that it lies within. Copied, because
-// nothing says that the bytes of a reply are aligned.
-template <typename Record>
-Record recordAt(Bytes bytes, size_t offset) {
-    Record record;
-    std::memcpy(&record, bytes.data() + offset, sizeof record);
-    return record;
-}
-
-constexpr size_t aligned(size_t length) {
-    return (length + NLMSG_ALIGNTO - 1) & ~size_t{NLMSG_ALIGNTO - 1};
-}
-
-// What is behind the first `length` bytes and their padding; the last piece may lack its padding.
-Bytes behind(Bytes bytes, size_t length) {
-    return aligned(length) < bytes.size() ? bytes.subspan(aligned(length)) : Bytes();
-}
-
-// The kernel's reply to a dump of all routes: its first datagram, or nothing. What doesn't fit is
-// cut off, and the datagrams that follow are dropped with the socket.
-Bytes receiveRoutes(std::span<std::byte> buffer) {
-    const Descriptor socket(::socket(AF_NETLINK, SOCK_RAW, NETLINK_ROUTE));
+// Receives the first datagram of the kernel's reply to a dump of all routes and returns its length,
+// negative on failure. The kernel truncates it to `size`; the datagrams after it are dropped with
+// the socket.
+ssize_t receiveRoutes(void* buffer, size_t size) {
+    const Descriptor socket(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE));
     if (!socket.isOpen()) {
-        return {};
+        return -1;
     }
     const timeval oneSecond{1, 0};
     setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &oneSecond, sizeof oneSecond);
@@ -69,32 +43,32 @@ Bytes receiveRoutes(std::span<std::byte> buffer) {
     request.header.nlmsg_pid = static_cast<uint32_t>(getpid());
     request.route.rtm_family = AF_UNSPEC;
     if (send(socket.get(), &request, sizeof request, 0) < 0) {
-        return {};
+        return -1;
     }
-    const ssize_t received = recv(socket.get(), buffer.data(), buffer.size(), 0);
-    return received < 0 ? Bytes() : buffer.first(static_cast<size_t>(received));
+    return recv(socket.get(), buffer, size, 0);
 }
 
-// What a route says of its way out.
 struct Route {
     uint32_t portIndex = 0;  // no port has 0
-    std::optional<in_addr> gateway;
+    const in_addr* gateway = nullptr;
 };
 
-Route readRoute(Bytes attributes) {
+// Reads an IPv4 route of the main table; any other message has no gateway. The main table has
+// routes of other families, too.
+Route readRoute(const nlmsghdr& message) {
     Route route;
-    while (attributes.size() >= sizeof(rtattr)) {
-        const auto head = recordAt<rtattr>(attributes, 0);
-        if (head.rta_len < sizeof(rtattr) || head.rta_len > attributes.size()) {
-            break;
+    const auto* const header = static_cast<const rtmsg*>(NLMSG_DATA(&message));
+    if (message.nlmsg_len < NLMSG_LENGTH(sizeof *header) || header->rtm_table != RT_TABLE_MAIN ||
+        header->rtm_family != AF_INET) {
+        return route;
+    }
+    auto left = static_cast<int64_t>(RTM_PAYLOAD(&message));
+    for (const rtattr* next = RTM_RTA(header); RTA_OK(next, left); next = RTA_NEXT(next, left)) {
+        if (next->rta_type == RTA_OIF && RTA_PAYLOAD(next) >= int{sizeof route.portIndex}) {
+            route.portIndex = *static_cast<const uint32_t*>(RTA_DATA(next));
+        } else if (next->rta_type == RTA_GATEWAY && RTA_PAYLOAD(next) == int{sizeof(in_addr)}) {
+            route.gateway = static_cast<const in_addr*>(RTA_DATA(next));
         }
-        const Bytes value = attributes.subspan(sizeof(rtattr), head.rta_len - sizeof(rtattr));
-        if (head.rta_type == RTA_OIF && value.size() >= sizeof(uint32_t)) {
-            route.portIndex = recordAt<uint32_t>(value, 0);
-        } else if (head.rta_type == RTA_GATEWAY && value.size() == sizeof(in_addr)) {
-            route.gateway = recordAt<in_addr>(value, 0);
-        }
-        attributes = behind(attributes, head.rta_len);
     }
     return route;
 }
@@ -104,47 +78,20 @@ bool hasName(uint32_t portIndex, const char* port) {
     return if_indextoname(portIndex, name) != nullptr && std::strcmp(name, port) == 0;
 }
 
-bool isRouteReply(Bytes datagram) {
-    if (datagram.size() < sizeof(nlmsghdr)) {
-        return false;
-    }
-    const auto first = recordAt<nlmsghdr>(datagram, 0);
-    return first.nlmsg_len >= sizeof(nlmsghdr) && first.nlmsg_len <= datagram.size() &&
-           first.nlmsg_type != NLMSG_ERROR;
-}
-
-// An IPv4 route of the main table, or nothing. Routes of the other families are in that table, too.
-std::optional<Route> readMessage(Bytes message) {
-    constexpr size_t kAttributes = sizeof(nlmsghdr) + sizeof(rtmsg);
-    if (message.size() < kAttributes) {
-        return std::nullopt;
-    }
-    const auto header = recordAt<rtmsg>(message, sizeof(nlmsghdr));
-    if (header.rtm_table != RT_TABLE_MAIN || header.rtm_family != AF_INET) {
-        return std::nullopt;
-    }
-    return readRoute(message.subspan(kAttributes));
-}
-
-// Writes the gateway of the first fitting route into text, or leaves it as it is.
-void findGateway(Bytes datagram, const char* port, char* text) {
-    // A name costs a question to the kernel, and neighbouring routes mostly leave by the same port.
+// Returns the gateway of the first route through the port that has one, or null.
+const in_addr* findGateway(const nlmsghdr* message, int64_t left, const char* port) {
+    // Each name costs a system call, and neighbouring routes mostly leave by the same port.
     uint32_t otherPort = 0;
-    while (datagram.size() >= sizeof(nlmsghdr)) {
-        const size_t length = recordAt<nlmsghdr>(datagram, 0).nlmsg_len;
-        if (length < sizeof(nlmsghdr) || length > datagram.size()) {
-            return;
-        }
-        const auto route = readMessage(datagram.first(length));
-        if (route && route->gateway && route->portIndex != otherPort) {
-            if (hasName(route->portIndex, port)) {
-                inet_ntop(AF_INET, &*route->gateway, text, INET_ADDRSTRLEN);
-                return;
+    for (; NLMSG_OK(message, left); message = NLMSG_NEXT(message, left)) {
+        const Route route = readRoute(*message);
+        if (route.gateway != nullptr && route.portIndex != otherPort) {
+            if (hasName(route.portIndex, port)) {
+                return route.gateway;
             }
-            otherPort = route->portIndex;
+            otherPort = route.portIndex;
         }
-        datagram = behind(datagram, length);
     }
+    return nullptr;
 }
 
 }  // namespace
@@ -152,10 +99,15 @@ void findGateway(Bytes datagram, const char* port, char* text) {
 const char* CML_getNetworkPortIPv4Gateway(const char* port) {
     static char ipv4GatewayText[INET_ADDRSTRLEN];
     ipv4GatewayText[0] = '\0';
-    alignas(nlmsghdr) std::array<std::byte, 4096> buffer{};
-    const Bytes datagram = receiveRoutes(buffer);
-    if (isRouteReply(datagram)) {
-        findGateway(datagram, port, ipv4GatewayText);
+    // Each message and attribute starts at a multiple of 4 bytes, as the macros require.
+    alignas(nlmsghdr) char buffer[4096] = {};
+    const ssize_t length = receiveRoutes(buffer, sizeof buffer);
+    const auto* const first = reinterpret_cast<const nlmsghdr*>(buffer);
+    if (first->nlmsg_type != NLMSG_ERROR) {
+        const in_addr* const gateway = findGateway(first, length, port);
+        if (gateway != nullptr) {
+            inet_ntop(AF_INET, gateway, ipv4GatewayText, sizeof ipv4GatewayText);
+        }
     }
     return ipv4GatewayText;
 }

@@ -9,8 +9,8 @@
 
 namespace {
 
-// The running totals of one line, in clock ticks. What the kernel counts beyond these four (waiting
-// for input and output, interrupts ...) is neither busy nor idle here.
+// The running totals of one line, in clock ticks. The kernel's further counters (waiting for input
+// and output, interrupts ...) are neither busy nor idle time here.
 struct CpuTimes {
     double user = 0;
     double nice = 0;
@@ -38,7 +38,8 @@ std::vector<CpuTimes> readCpuTimes() {
     return reading;
 }
 
-// In double on every machine, so that all give the same figures. NaN if no tick has passed.
+// Calculates in double on every machine, so that all have the same figures. NaN if no tick has
+// passed.
 double usageBetween(const CpuTimes& previous, const CpuTimes& current) {
     return (current.busy() - previous.busy()) / (current.total() - previous.total());
 }
@@ -46,8 +47,9 @@ double usageBetween(const CpuTimes& previous, const CpuTimes& current) {
 }  // namespace
 
 const long double* CML_getAllCPUUsage(int32_t* count) {
-    static std::vector<CpuTimes> previousReading;
-    static std::vector<long double> cpuUsage(1);
+    // Never destroyed: exit handlers and threads may still call while the process ends.
+    static auto& previousReading = *new std::vector<CpuTimes>;
+    static auto& cpuUsage = *new std::vector<long double>(1);
 
     std::vector<CpuTimes> current = readCpuTimes();
     if (!current.empty() && current.size() == previousReading.size()) {

@@ -1,7 +1,7 @@
 #include "console-manager/device.h"
 #include "console-manager/settings.h"
 
-// The getters deliver on every path, so that their results add nothing.
+// The getters store a value also on failure, so their results are ignored.
 
 int32_t CML_getAllowDriverToAdjustBrightness(void) {
     BOOL value;

@@ -1,9 +1,13 @@
+#include <fcntl.h>
+
+#include <cerrno>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "console-manager/device.h"
+#include "system/descriptor.h"
 #include "system/text_fields.h"
 #include "system/text_file.h"
 
@@ -23,13 +27,19 @@ std::string_view withoutQuotes(std::string_view value) {
     return value.substr(1, value.size() - 2);
 }
 
-void readOsRelease() {
+// Fills an empty map. Returns false if the file exists but cannot be opened, as for want of a
+// descriptor: the next call tries again.
+bool readOsRelease() {
     if (!os_release.empty()) {
-        return;
+        return true;
     }
-    // Moved in whole: an exception half-way must not leave a map that counts as read.
+    const Descriptor file(open("/etc/os-release", O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen()) {
+        return errno == ENOENT;
+    }
+    // Moved as a whole: after an exception half-way the map must still be empty.
     std::map<std::string, std::string> entries;
-    const std::string text = readText("/etc/os-release");
+    const std::string text = readText(file.get());
     for (std::string_view rest = text; !rest.empty();) {
         const std::string_view line = takeLine(rest);
         const size_t separator = line.find('=');
@@ -39,14 +49,14 @@ void readOsRelease() {
         }
     }
     os_release = std::move(entries);
+    return true;
 }
 
-// Entering an absent key keeps the map from being empty, so that a missing file isn't looked for
-// again. An entry never moves, and so the text stays good when others are entered.
+// The lookup enters an absent key, so the map is no longer empty and the file is not read again. An
+// entry never moves, so its text stays valid when others are entered.
 const char* valueOf(const char* key) {
     const std::lock_guard lock(writing);
-    readOsRelease();
-    return os_release[key].c_str();
+    return readOsRelease() ? os_release[key].c_str() : "";
 }
 
 }  // namespace

@@ -13,15 +13,15 @@
 namespace {
 
 std::string outputOf(const char* command) {
-    const std::unique_ptr<FILE, DeletedBy<pclose>> pipe(popen(command, "r"));
+    const std::unique_ptr<FILE, DeletedBy<pclose>> pipe(popen(command, "re"));
     if (!pipe) {
         throw std::runtime_error("popen() failed!");
     }
     return readText(fileno(pipe.get()));
 }
 
-// What fgets with a buffer of 128 bytes would make of it: a piece is a line or 127 bytes of it, and
-// counts up to its first NUL. fgets itself loses what it has read when a signal comes.
+// Returns what fgets with a buffer of 128 bytes would read: each piece is a line, or 127 bytes of
+// one, up to its first NUL. fgets itself drops what it has read when a signal arrives.
 std::string withoutNuls(std::string_view bytes) {
     std::string text;
     while (!bytes.empty()) {
@@ -40,7 +40,7 @@ int32_t CML_getStorageInfo(uint32_t* totalBlocks, uint32_t* usedBlocks) {
     const std::string output = withoutNuls(outputOf("df -k /mnt/vex-data"));
     for (std::string_view rest = output; !rest.empty();) {
         std::string_view line = takeLine(rest);
-        // A line that fails half-way has written what it had; the next one is tried all the same.
+        // A line without a second number has set *totalBlocks; the next line may still set both.
         if (takeWord(line).starts_with("/dev/") && takeNumber(line, *totalBlocks) &&
             takeNumber(line, *usedBlocks)) {
             break;

@@ -1,7 +1,7 @@
 #pragma once
 
-// A function as the deleter of a std::unique_ptr, which stays as small as a pointer. What the
-// function returns isn't looked at.
+// Makes a function the deleter of a std::unique_ptr, which stays as small as a pointer. The
+// function's result is ignored.
 template <auto function>
 struct DeletedBy {
     template <typename Object>

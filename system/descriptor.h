@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-// A file descriptor that is closed at the end of its life; below 0 there is none.
+// Owns a file descriptor and closes it; a negative number stands for none.
 class Descriptor {
   public:
     explicit Descriptor(int opened) : number(opened) {}

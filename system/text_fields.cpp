@@ -1,6 +1,7 @@
 #include "system/text_fields.h"
 
 #include <algorithm>
+#include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
@@ -34,22 +35,21 @@ bool takeInteger(std::string_view& text, int64_t minimum, int64_t maximum, int64
     if (text.empty()) {
         return false;
     }
-    const bool negative = text.starts_with('-');
-    if (negative || text.starts_with('+')) {
+    const bool negative = text.front() == '-';
+    if (negative || text.front() == '+') {
         text.remove_prefix(1);
     }
-    const bool hasDigits = !text.empty() && isDigit(text.front());
-    int64_t value = 0;
-    for (; !text.empty() && isDigit(text.front()); text.remove_prefix(1)) {
-        // Stays where it is out of range for 32 bits.
-        value = std::min(value * 10 + (text.front() - '0'), int64_t{1} << 32);
-    }
-    value = negative ? -value : value;
+    // Unsigned, so that a second sign is not taken for part of the number.
+    uint32_t digits = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), digits);
+    text.remove_prefix(static_cast<size_t>(end - text.data()));
+    const int64_t size = error == std::errc::result_out_of_range ? int64_t{1} << 32 : digits;
+    const int64_t value = negative ? -size : size;
     number = std::clamp(value, minimum, maximum);
-    return hasDigits && number == value;
+    return error != std::errc::invalid_argument && number == value;
 }
 
-// What looks like a decimal number, which lacks digits at worst.
+// Takes what looks like a decimal number, though it may lack digits.
 std::string_view takeDecimal(std::string_view& text) {
     bool point = false;
     bool exponent = false;
@@ -106,8 +106,9 @@ bool takeNumber(std::string_view& text, double& number) {
     if (text.empty()) {
         return false;
     }
+    // Not std::from_chars, which the libstdc++ of GCC 9 has for integers alone.
     const std::string decimal(takeDecimal(text));
-    // The C library has this locale at hand: it is neither allocated nor to be freed.
+    // The C library returns a constant here: nothing is allocated and nothing to be freed.
     const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
     char* end = nullptr;
     number = strtod_l(decimal.c_str(), &end, classic);

@@ -1,12 +1,12 @@
-// Files of the kernel and of the device image, and the output of commands, as texts. Read by the
-// system's own calls: a file stream costs as much again as the kernel takes for these small files.
-// A signal doesn't end the reading.
+// Reads files of the kernel and of the device image, and the output of commands. By system calls: a
+// file stream would double the time that the kernel takes for these small files. A signal does not
+// end the reading (EINTR).
 #pragma once
 
 #include <string>
 
-// All of a file, empty if it can't be opened. A read that fails ends it.
+// Returns the content of a file, up to the first read that fails; empty if it cannot be opened.
 std::string readText(const char* path);
 
-// All that is left of an open file or a pipe, which stays open.
+// Returns what is left of an open file or a pipe, and leaves it open.
 std::string readText(int descriptor);

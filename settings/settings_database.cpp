@@ -9,6 +9,7 @@
 #include "contracts/data_access.h"
 #include "contracts/trace_debug.h"
 #include "settings/log_message.h"
+#include "system/deleted_by.h"
 
 namespace {
 
@@ -35,7 +36,7 @@ bool messagesEnabled() {
     return logger == nullptr || (logger->flags & TDL_FLAG_DATABASE_MESSAGES) != 0;
 }
 
-using Connection = std::unique_ptr<sqlite3, decltype(&sqlite3_close)>;
+using Connection = std::unique_ptr<sqlite3, DeletedBy<sqlite3_close>>;
 
 struct SettingsDatabase {
     const char* path;
@@ -72,7 +73,7 @@ struct SettingsDatabase {
         sqlite3* local = nullptr;
         const int result = sqlite3_open(path, &local);
         // A failed open leaves a connection to be closed, too.
-        Connection connection(local, sqlite3_close);
+        Connection connection(local);
         if (result != SQLITE_OK) {
             if (messagesEnabled()) {
                 logMessage(TDL_logger(), "Unable to open %s", path);

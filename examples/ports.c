@@ -12,7 +12,8 @@ int main(void) {
     for (char** port = ports; *port != NULL; ++port) {
         CML_NetworkPortStatus status;
         if (CML_getNetworkPortStatus(*port, &status) == 0) {
-            printf("%-16sgone since\n", *port);
+            /* removed since the list was made, or "bonding_masters" */
+            printf("%-16snot a port\n", *port);
         } else {
             printf("%-16s%s\n", *port, status.running ? "up" : status.up ? "no link" : "down");
         }

@@ -1,14 +1,15 @@
 /** @file
- * What the console tells of itself: release, storage, memory, processor load, up-time, and three
- * display settings as plain results.
+ * The state of the device: release, storage, memory, processor load, up-time, and three display
+ * settings as plain results.
  *
- * All functions run on the caller's thread, need no initialisation and report nothing: a figure
- * that can't be read shows in the value alone, as each function says. The figures of the kernel are
- * read in its own notation, whatever locale the application has chosen. No descriptor stays open.
+ * All functions run on the caller's thread and need no initialisation. None reports an error: a
+ * failure shows in the value only, as stated for each function. The kernel's figures are read in
+ * the kernel's notation, whatever locale the application has set. Only the display settings keep
+ * descriptors open, those of the settings database. No program that the application starts inherits
+ * a descriptor of the library.
  *
- * A function that can't get the memory that it needs throws std::bad_alloc; nothing is left
- * allocated then, and the next call is as good as any. Only a caller in C++ can catch an exception:
- * in a C program it ends the process, by abort().
+ * A function that cannot allocate memory throws std::bad_alloc. It leaks nothing, and later calls
+ * work as usual. Only C++ can catch the exception: a C program is ended by abort().
  */
 #ifndef CONSOLE_MANAGER_DEVICE_H
 #define CONSOLE_MANAGER_DEVICE_H
@@ -27,143 +28,146 @@ extern "C" {
 
 #if defined(__GLIBCXX__) && _GLIBCXX_USE_CXX11_ABI && !defined(_GLIBCXX_DEBUG)
 /**
- * The entries of "/etc/os-release" by key, without the double quotes that enclose a value. For C++
- * applications that want a key for which there is no function below; to be read, not changed.
+ * The entries of "/etc/os-release" by key, without the double quotes around a value. For C++
+ * applications that need other keys than those of the five functions below. Read only.
  *
- * It is empty until the first call of one of those five functions, which fills it. Each of them
- * also enters the key that it stands for, with an empty value, if the file doesn't have it. No
- * entry is ever removed.
+ * The map is empty until the first call of one of those functions, which fills it. Each of them
+ * also adds its own key, with an empty value, if the file does not have it. No entry is ever
+ * removed.
  *
  * Declared only if the application's standard library lays out the map as the library's does: GCC's
  * library with its current ABI, without _GLIBCXX_DEBUG.
  *
- * Threads. The library serialises its own writes, so that the five functions need no care. The
- * application may read the map while no such write can happen: not during the first call of any of
- * the five, nor during the first call of one whose key the file doesn't have. Once each of the five
- * that it uses has returned, the map doesn't change any more, and any thread may read it.
+ * Threads. The library serialises its own writes. The application may read the map whenever no such
+ * write can happen: not during the first call of any of the five functions, and not during the
+ * first call of one whose key the file does not have. After that the map does not change.
  */
 extern std::map<std::string, std::string> os_release;
 #endif
 
 /** @file
  * @par Release information
- * Five functions give the value of one key of "/etc/os-release" each. The file is read once in the
- * life of a process, by the first call of any of these functions; a later change isn't seen. A
- * value is all that follows the first "=" of its line, as it stands, without the double quotes if
- * it both begins and ends with one. The last line of a key counts.
+ * Five functions return the value of one key of "/etc/os-release" each. The first call of any of
+ * them reads the file; later changes of the file are not seen. If the file exists but cannot be
+ * opened, for example because the process has too many open files, the text is empty and the next
+ * call tries again. A value is everything after the first "=" of its line, unchanged except that
+ * enclosing double quotes are removed. If a key occurs twice, the last line counts.
  *
- * The result is never null, and empty if the file or the key is missing. The library owns the text;
- * it stays valid and unchanged until the library is unloaded, and every call returns the same
- * pointer. Any thread may call them at any time.
+ * The result is never null; it is empty if the file or the key is missing. The library owns the
+ * text. Once the file has been read, every call returns the same pointer, and the text stays valid
+ * and unchanged until the library is unloaded or the process has run its exit handlers. The five
+ * functions are thread-safe, but must not be called after that.
  */
 
 /** @{ @name Release information */
-/** Returns BUILD_MODE of "/etc/os-release"; never null, and the library's. */
+/** Returns BUILD_MODE of "/etc/os-release"; never null, owned by the library. */
 const char* CML_getBuildType(void);
-/** Returns ID of "/etc/os-release"; never null, and the library's. */
+/** Returns ID of "/etc/os-release"; never null, owned by the library. */
 const char* CML_getProductID(void);
-/** Returns BUILD_ID of "/etc/os-release"; never null, and the library's. */
+/** Returns BUILD_ID of "/etc/os-release"; never null, owned by the library. */
 const char* CML_getBuildId(void);
-/** Returns MACHINE of "/etc/os-release"; never null, and the library's. */
+/** Returns MACHINE of "/etc/os-release"; never null, owned by the library. */
 const char* CML_getMachineName(void);
-/** Returns VERSION of "/etc/os-release"; never null, and the library's. */
+/** Returns VERSION of "/etc/os-release"; never null, owned by the library. */
 const char* CML_getProductRelease(void);
 /** @} */
 
 /**
- * Release and version of the running kernel, as `uname -r` and `uname -v` print them.
+ * Returns release and version of the running kernel, as `uname -r` and `uname -v` print them.
+ * Thread-safe.
  *
- * The caller owns both copies and gives each back with free(). A copy for which there is no memory
- * is stored as null. If the kernel refuses, neither is written. Any thread may call it at any time.
- *
- * @param[out] kernelRelease receives the address of a copy of the release; not null.
+ * @param[out] kernelRelease receives a copy of the release, which the caller frees with free(), or
+ *             null if there is no memory; not null. Not written if the kernel refuses.
  * @param[out] kernelVersion the same for the version.
- * @return 0 in every case: a caller that needs to know presets both pointers to null.
+ * @return always 0. To recognise a failure, set both pointers to null before the call.
  */
 int32_t CML_getLinuxReleaseInformation(char** kernelRelease, char** kernelVersion);
 
 /**
- * Size and use of the file system that holds "/mnt/vex-data", in blocks of 1024 bytes, as
- * `df -k` reports them.
+ * Reads size and use of the file system of "/mnt/vex-data", in blocks of 1024 bytes, as `df -k`
+ * prints them. Runs the command at each call and blocks until it has ended. Its error messages go
+ * to the standard error of the process. Thread-safe.
  *
- * Both are 0 if the volume can't be measured or doesn't lie on a device below "/dev/". A size of
- * 4 TiB or more doesn't fit: the size is then 4294967295, and the use 0.
+ * Both values are 0 if the command fails or the file system is not on a device below "/dev/". They
+ * are 0 also with df of busybox if the name of the device has more than 20 characters, since it
+ * breaks the line after such a name. A size of 4 TiB or more is reported as 4294967295, with 0 in
+ * use.
  *
- * If not even a shell can be started the function throws std::runtime_error with the text
- * "popen() failed!", with both values 0. No other function of this header throws for want of its
- * source.
- *
- * Runs the command anew at each call and blocks until it has ended. What it prints on its standard
- * error goes to that of the process. Any thread may call it at any time.
+ * Throws std::runtime_error("popen() failed!"), with both values 0, if no shell can be started.
  *
  * @param[out] totalBlocks receives the size; not null.
  * @param[out] usedBlocks receives how much of it is in use; not null.
- * @return 0 in every case.
+ * @return always 0.
  */
 int32_t CML_getStorageInfo(uint32_t* totalBlocks, uint32_t* usedBlocks);
 
 /**
- * Memory of the device and how much of it is unused, in units of 1024 bytes: "MemTotal" and
- * "MemFree" of "/proc/meminfo". Memory that the kernel uses as a cache isn't free in this sense.
+ * Reads the memory of the device and how much of it is unused, in units of 1024 bytes: "MemTotal"
+ * and "MemFree" of "/proc/meminfo". Memory that the kernel uses as a cache is not free in this
+ * sense. Thread-safe.
  *
- * A value that can't be read, or that doesn't fit 32 bits, is left as the caller set it. Any thread
- * may call it at any time.
+ * A value that cannot be read, or is out of range, is left as the caller set it.
  *
  * @param[in,out] memTotal receives the memory of the device; not null.
  * @param[in,out] memFree receives how much of it is unused; not null.
- * @return 0 in every case: a caller that needs to know presets both to 0, which can't occur in
- *         memTotal.
+ * @return always 0. To recognise a failure, set both to 0 before the call: memTotal is never 0.
  */
 int32_t CML_getMemoryInformation(int32_t* memTotal, int32_t* memFree);
 
 /**
- * Load of the processors since the previous call of this function or of CML_getCPUUsage().
+ * Returns the load of the processors since the previous call of this function or of
+ * CML_getCPUUsage().
  *
- * Each load is the ratio of busy time, 0 for idle to 1 for fully busy, a 64-bit floating-point
- * number also where long double is wider. Time spent waiting or in interrupts counts neither as
- * busy nor as idle.
+ * A load is the ratio of busy time, from 0 (idle) to 1 (busy). Time spent waiting or in interrupts
+ * is neither busy nor idle. The precision is 64 bits, even where long double is wider. The first
+ * call of a process has nothing to compare with and returns one element, 0.0.
  *
- * The first call of a process has nothing to compare with and gives a single element, 0.0. The
- * figures of the previous call come back unchanged if the kernel's counters can't be read, at the
- * call after that, and when a core has gone or come since. An element is NaN if the counters of
- * its line haven't moved, as in two calls within one clock tick (10 ms as a rule).
+ * | Situation                                                   | Elements                       |
+ * |-------------------------------------------------------------|--------------------------------|
+ * | the kernel's counters cannot be read, and at the call after | those of the previous call     |
+ * | a core has come or gone since the previous call             | those of the previous call     |
+ * | a line's counters have not changed, as within a tick (10 ms)| NaN                            |
+ * | one core has gone and another one has come                  | any value, also below 0,       |
+ * |                                                             | above 1 or infinite            |
+ * | counters went backwards, as with some kernels when a core   | any value, also below 0,       |
+ * | comes back                                                  | above 1 or infinite            |
  *
- * The two functions keep the previous reading without a lock, since a lock could not protect the
- * caller's use of the array: the application serialises the calls of both, together with the use of
- * the result.
+ * So the caller discards an element that is not between 0 and 1, and waits for the next call.
  *
- * @param[out] count receives the number of elements, if it isn't null.
- * @return an array, never null: element 0 for all cores together, then one for each core that is
- *         online, in ascending order: with cores 0 and 2 online, element 2 is that of core 2. See
- *         "/sys/devices/system/cpu/online" for which are. The library owns the array; it is good
- *         until the next call of either function, which may move it.
+ * Not thread-safe: the application serialises the calls of both functions together with the use of
+ * the array. A lock in the library could not protect the array.
+ *
+ * @param[out] count receives the number of elements, unless it is null.
+ * @return an array, never null: element 0 is the load of all cores together. One element for each
+ *         core online follows, in ascending order: with cores 0 and 2 online, element 2 is that of
+ *         core 2. See "/sys/devices/system/cpu/online". The library owns the array. The next call
+ *         of either function may move it.
  */
 const long double* CML_getAllCPUUsage(int32_t* count);
 
 /**
- * Load of all cores together, element 0 of CML_getAllCPUUsage(), which it calls: it ends the
- * interval of both, gives NaN where that does, and is serialised by the application in the same
- * way.
+ * Returns the load of all cores together, element 0 of CML_getAllCPUUsage(). It calls that
+ * function, so it ends the interval of both, and the same rules apply to its values and threads.
  */
 long double CML_getCPUUsage(void);
 
 /**
- * Seconds since the system started, with a resolution of 10 ms, as a 64-bit floating-point number.
- * 0.0 if the figure can't be read. Any thread may call it at any time.
+ * Returns the seconds since the system started, in steps of 10 ms, with a precision of 64 bits. 0.0
+ * if they cannot be read. Thread-safe.
  */
 long double CML_getUpTime(void);
 
 /**
- * Does nothing: the brightness of the display, its settings and its files stay as they are. Kept
- * for applications that call it.
+ * Does nothing: brightness, settings and files stay as they are. Kept for applications that call
+ * it.
  */
 void CML_restoreDisplayBrightness(void);
 
 /** @file
  * @par Display settings
- * Three settings of the display come as plain results. Each is what the getter of the same name in
- * settings.h delivers: the stored value, or the default where none is stored or the database can't
- * be used. A failure doesn't show. Any thread may call them at any time.
+ * Three functions return settings of the display, as the getters of the same name in settings.h
+ * deliver them: the stored value, or the default if none is stored or on failure, which is not
+ * reported. They are thread-safe.
  */
 
 /** @{ @name Display settings */

@@ -33,8 +33,8 @@ _console_status_candidates() {
     case $kind in
         '[COMMAND]') "$program" help | sed -n 's/^  \([a-z-]*\) .*/\1/p' ;;
         OPTION) "$program" help ${command:+"$command"} | sed -n 's/^  -., \(--[a-z]*\) .*/\1/p' ;;
-        NAME) "$program" help settings | sed -n '/  Values$/d; s/^  \([A-Z][A-Za-z]*\)  .*/\1/p' ;;
-        LIST) "$program" help settings | sed -n '1,/^  List  /d; s/^  \([A-Z][A-Za-z]*\)  .*/\1/p' ;;
+        NAME) "$program" help settings | sed '1,/^  Name  /d; s/^  \([A-Za-z]*\).*/\1/' ;;
+        LIST) "$program" help settings | sed -n 's/^  \([A-Za-z]*\)  *(list.*/\1/p' ;;
         PORT) "$program" ports --json | sed -n 's/^      "name": "\(.*\)",$/\1/p' ;;
         FILE) compgen -f ;;
         '[NODE]' | NODE | VALUE)

@@ -16,25 +16,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool isListed() {
-    char** const nodes = DAL_CML_listHomeScreenIconsNodes();
-    take(nodes);
-    return nodes != nullptr;
-}
-
-bool isAutoThemeRead() {
-    int32_t value = 0;
-    return DAL_CML_getAutoTheme(&value) == 0;
-}
-
 // Who holds a lock on these bytes of a file that keeps others from taking one of that type; empty
 // if nobody does.
 std::string holderOf(const std::string& path, short type, off_t start, off_t length) {
-    struct flock lock {};
-    lock.l_type = type;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = start;
-    lock.l_len = length;
+    struct flock lock = {
+        .l_type = type, .l_whence = SEEK_SET, .l_start = start, .l_len = length, .l_pid = 0};
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     const bool held = fcntl(file, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
     close(file);
@@ -101,8 +87,15 @@ std::string nameOf(const Database& database) {
 
 }  // namespace
 
-const Database kPersistent = {"persistent", "/mnt/vex-data/m7/console-manager.db", isListed};
-const Database kVolatile = {"volatile", "/tmp/m7/console-manager.db", isAutoThemeRead};
+const Database kPersistent = {"persistent", "/mnt/vex-data/m7/console-manager.db", [] {
+                                  char** const nodes = DAL_CML_listHomeScreenIconsNodes();
+                                  take(nodes);
+                                  return nodes != nullptr;
+                              }};
+const Database kVolatile = {"volatile", "/tmp/m7/console-manager.db", [] {
+                                int32_t value = 0;
+                                return DAL_CML_getAutoTheme(&value) == 0;
+                            }};
 
 std::string whyFailed(const Database& database) {
     const std::string cause = seenFromOutside(database);

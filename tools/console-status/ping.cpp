@@ -18,16 +18,6 @@ bool isPlain(const std::string& name) {
            name.find_first_not_of(kPlain) == std::string::npos;
 }
 
-// The wait status of the shell that ran ping, or -1; none if there is no child process. In a child
-// process, because the library ignores SIGINT while it waits.
-std::optional<int> ping(const std::string& host, int seconds, const std::string& port) {
-    return numberOf(saidByChild([&] {
-        std::fputs(
-            std::to_string(CML_getHostAvailable(host.c_str(), seconds, port.c_str())).c_str(),
-            stderr);
-    }));
-}
-
 std::string outcomeOf(int ofPing) {
     return ofPing == 0     ? "answers"
            : ofPing == 1   ? "doesn't answer"
@@ -43,7 +33,13 @@ int pingHost(const Arguments& arguments) {
     if (!isPlain(host) || (arguments.has('p') && !isPlain(port))) {
         throw UsageError(quoted(isPlain(host) ? port : host) + " is no name or address");
     }
-    const int status = ping(host, arguments.seconds('t', "2"), port).value_or(-1);
+    const int seconds = arguments.seconds('t', "2");
+    // In a child process, because the library ignores SIGINT while it waits. The result is the wait
+    // status of a shell, or -1.
+    const std::string said = saidByChild([&] {
+        std::fprintf(stderr, "%d", CML_getHostAvailable(host.c_str(), seconds, port.c_str()));
+    });
+    const int status = numberOf(said).value_or(-1);
     const int ofPing = WIFEXITED(status) ? WEXITSTATUS(status) : 127;
     const Json told = {{"host", host}, {"available", ofPing > 1 ? Json() : Json(ofPing == 0)}};
     print(arguments.has('j') ? jsonText(told) : host + " " + outcomeOf(ofPing) + "\n");

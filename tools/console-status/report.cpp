@@ -170,21 +170,9 @@ Json orNull(const char* text) {
 }
 
 std::string jsonText(const Json& json, int indent) {
-    std::string text;
-    for (const char each : json.dump(indent, ' ', false, Json::error_handler_t::replace)) {
-        // Terminals obey the characters from U+007F to U+009F, too, which dump() doesn't escape.
-        const auto byte = static_cast<unsigned char>(each);
-        const bool isSecond = text.ends_with('\xc2') && byte < 0xa0;
-        if (byte != 0x7f && !isSecond) {
-            text += each;
-            continue;
-        }
-        char escape[8];
-        std::snprintf(escape, sizeof escape, "\\u%04x", byte);
-        text.resize(text.size() - (isSecond ? 1 : 0));
-        text += escape;
-    }
-    return text + "\n";
+    // A terminal obeys the characters from U+007F to U+009F, too.
+    const bool isAscii = isTerminal();
+    return json.dump(indent, ' ', isAscii, Json::error_handler_t::replace) + "\n";
 }
 
 int reportSections(const Arguments& arguments) {

@@ -45,25 +45,19 @@ std::string showSettings(const Json& report) {
            (lists.empty() ? "" : title("Lists") + tableOf({"List", ">Nodes"}, lists));
 }
 
-// With the words that each can have, or what other values.
-std::string namesOf(const Names& headings, bool isOfLists) {
-    std::vector<Row> rows;
-    for (const Setting& setting : kSettings) {
-        std::string values = setting.kind == Kind::Text ? " (text)" : " (number)";
-        for (const Word& word : setting.words) {
-            values = (&word == setting.words.data() ? "" : values) + " " + word.text;
-        }
-        if (setting.isList() == isOfLists) {
-            rows.push_back({setting.name, values.substr(1)});
-        }
-    }
-    return "\n" + tableOf(headings, rows);
-}
-
 }  // namespace
 
 std::string settingsHelp() {
-    return namesOf({"Setting", "Values"}, false) + namesOf({"List", "Values"}, true);
+    std::vector<Row> rows;
+    for (const Setting& setting : kSettings) {
+        const std::string kind = setting.kind == Kind::Text ? "text" : "number";
+        std::string values = setting.isList() ? "(list of " + kind + "s)" : "(" + kind + ")";
+        for (const Word& word : setting.words) {
+            values = (&word == setting.words.data() ? "" : values + " ") + word.text;
+        }
+        rows.push_back({setting.name, values});
+    }
+    return "\n" + tableOf({"Name", "Values"}, rows);
 }
 
 const Section kSettingsSection = {"settings", false, readSettings, showSettings};

@@ -11,15 +11,15 @@ namespace {
 
 constexpr Option kOptions[] = {
     {'j', "json", "", "write JSON"},
-    {'w', "watch", "SECONDS", "again and again, until SIGINT"},
+    {'w', "watch", "SECONDS", "repeat every SECONDS until interrupted"},
     {'p', "port", "PORT", "the port to send from"},
-    {'t', "timeout", "SECONDS", "the longest to wait, 2 by default"},
-    {'y', "yes", "", "don't ask"},
-    {'h', "help", "", "tell more"},
-    {'V', "version", "", "tell the version"},
+    {'t', "timeout", "SECONDS", "time limit, 2 by default"},
+    {'y', "yes", "", "do not ask for confirmation"},
+    {'h', "help", "", "show help"},
+    {'V', "version", "", "show the version"},
 };
 
-// How many characters must be put in, left out or changed; the case of letters doesn't count.
+// Returns how many characters have to be inserted, removed or changed; case is ignored.
 size_t distance(const std::string& a, const std::string& b) {
     std::vector<size_t> row(b.size() + 1);
     std::iota(row.begin(), row.end(), 0);
@@ -34,7 +34,7 @@ size_t distance(const std::string& a, const std::string& b) {
     return row.back();
 }
 
-// Throws what is wrong with an option: '?' or, without its value, ':'.
+// Throws the error of an option for which getopt returned '?', or ':' for a missing value.
 void refuse(int wrong, const std::string& word) {
     const bool isLong = word.starts_with("--");
     const std::string name =
@@ -43,7 +43,7 @@ void refuse(int wrong, const std::string& word) {
         throw UsageError((isLong ? "--" : "-") + name +
                          (wrong == ':' ? " needs a value" : " takes no value"));
     }
-    find<Option>(kOptions, name, "option");  // there is none
+    find<Option>(kOptions, name, "option");  // throws
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ std::span<const Option> options() {
 }
 
 Arguments parse(int count, char** words) {
-    std::string letters = "+:";  // stop at each word, tell a value that's missing
+    std::string letters = "+:";  // stop at each word; return ':' for a missing value
     std::vector<option> names;
     for (const Option& each : kOptions) {
         const int takes = *each.argument != '\0' ? required_argument : no_argument;

@@ -11,7 +11,7 @@
 #include <iterator>
 
 std::string saidByChild(const std::function<void()>& work) {
-    // An exit() in the child would write the buffered output a second time.
+    // Otherwise exit() in the child would write buffered output a second time.
     std::fflush(nullptr);
     const int file = memfd_create("said", MFD_CLOEXEC);
     const pid_t child = file < 0 ? -1 : fork();

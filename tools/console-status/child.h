@@ -1,9 +1,8 @@
-// Work in a child process.
+// Work that may end the process, or must not change it.
 #pragma once
 
 #include <functional>
 #include <string>
 
-// Does the work in a child process and returns what the child writes to stderr. What the work
-// changes in the process, or that it ends it, stays without effect here.
+// Does the work in a child process, and returns what the child writes to stderr.
 std::string saidByChild(const std::function<void()>& work);

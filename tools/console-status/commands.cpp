@@ -1,4 +1,4 @@
-// console-status: shows what the console manager library knows, and changes settings.
+// console-status: shows what the console manager library reports, and changes settings.
 #include "commands.h"
 
 #include <algorithm>
@@ -18,29 +18,29 @@ constexpr Command kCommands[] = {
     {"wifi", "", "jw", "the links of the wireless ports", reportSections},
     {"get", "NAME [NODE]", "j", "print a value", useSetting},
     {"set", "NAME [NODE] VALUE", "", "store a value; makes the node", useSetting},
-    {"reset", "NAME [NODE]", "", "remove a value: the default holds", useSetting},
+    {"reset", "NAME [NODE]", "", "remove a value, so that the default holds", useSetting},
     {"list", "LIST", "j", "print the nodes of a list", useSetting},
     {"remove", "LIST NODE", "", "remove a node with its value", useSetting},
     {"clear", "LIST", "", "remove all nodes of a list", useSetting},
     {"factory-reset", "", "y", "remove all values of settings and lists", resetAll},
-    {"scan", "PORT", "j", "print the Wi-Fi networks around", scanWifi},
-    {"ping", "HOST", "jpt", "tell whether a host answers", pingHost},
-    {"help", "[COMMAND]", "", "tell more", help},
+    {"scan", "PORT", "j", "print the Wi-Fi networks in range", scanWifi},
+    {"ping", "HOST", "jpt", "check whether a host answers", pingHost},
+    {"help", "[COMMAND]", "", "show help", help},
 };
 constexpr Command kReport = {"the report", "", "jw", "", reportSections};
 
 constexpr const char* kSynopsis = R"(usage: console-status [OPTION]... [COMMAND [ARGUMENT]...]
 
-Without a command: a report of all that the console manager library knows.
+Without a command, prints a report of all that the library knows.
 
 )";
 constexpr const char* kNotes = R"(
-NAME is a setting, or a list with one of its NODEs. A VALUE that has a word can
-be given as word or number: set Theme dark. Names are as "settings" prints them.
---watch shows what changes (device, ports, Wi-Fi) or the section that is named.
+NAME is a setting, or a list followed by one of its NODEs; "help settings" shows
+all names. VALUE is a word or a number where there are words: set Theme dark.
+Without a command --watch shows the device, the ports and Wi-Fi.
 
-Exit status: 0 done; 1 failed, or the report lacks something; 2 arguments not
-understood. console-status(1) tells more.
+Exit status: 0 success; 1 failure or incomplete report; 2 invalid arguments.
+See console-status(1).
 )";
 
 const Command& commandOf(const std::string& name) {
@@ -51,13 +51,12 @@ bool takes(const Command& command, const Option& option) {
     return std::string(command.options).find(option.letter) != std::string::npos;
 }
 
-// Names on the left, what they mean on the right.
 std::string helpLine(std::string left, const std::string& argument, const char* right) {
     left += (argument.empty() ? "" : " ") + argument;
     return "  " + left + std::string(23 - left.size(), ' ') + right + "\n";
 }
 
-// Of all, or of the command that follows.
+// Shows help about all commands, or about the one that is named.
 int help(const Arguments& arguments) {
     const bool isAll = arguments.words.size() < 2;
     const Command* const one = isAll ? nullptr : &commandOf(arguments.words[1]);
@@ -78,7 +77,7 @@ int help(const Arguments& arguments) {
     return kDone;
 }
 
-// Throws if the arguments aren't those of the command.
+// Throws UsageError unless the arguments are those of the command.
 void check(const Command& command, const Arguments& arguments) {
     const std::string name = command.name;
     for (const Option& option : options()) {

@@ -1,4 +1,4 @@
-// What the program does: a command each, with its arguments and its exit status.
+// The commands of the program, their arguments and exit statuses.
 #pragma once
 
 #include <map>
@@ -9,10 +9,10 @@
 #include <vector>
 
 constexpr int kDone = 0;
-constexpr int kFailed = 1;      // or a part of it
-constexpr int kUsageError = 2;  // an argument can't be understood
+constexpr int kFailed = 1;      // or the report is incomplete
+constexpr int kUsageError = 2;  // invalid arguments
 
-// Ends the program with its message and kUsageError; any other exception with kFailed.
+// Ends the program with its message and kUsageError. Any other exception ends it with kFailed.
 struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -20,46 +20,46 @@ struct UsageError : std::runtime_error {
 struct Option {
     char letter;
     const char* name;
-    const char* argument;  // what it takes, or nothing
+    const char* argument;  // name of its value, or empty
     const char* help;
 };
 std::span<const Option> options();
 
 struct Arguments {
-    std::vector<std::string> words;       // the command and what follows it, without options
+    std::vector<std::string> words;       // the command and its arguments
     std::map<char, std::string> options;  // by letter, with their values
 
     bool has(char letter) const { return options.contains(letter); }
     std::string value(char letter, const char* otherwise) const {
         return has(letter) ? options.at(letter) : otherwise;
     }
-    // A whole number from 1.
+    // A whole number, at least 1.
     int seconds(char letter, const char* otherwise) const;
 };
 
-// Options may stand anywhere; a negative number is none, and "--" ends them.
+// Options may stand anywhere. A negative number is no option, and "--" ends the options.
 Arguments parse(int count, char** words);
 
 struct Command {
     const char* name;
-    const char* arguments;  // "NAME [NODE] VALUE": one in brackets may be left out
-    const char* options;    // the letters of those that it takes
-    const char* help;       // in a line
+    const char* arguments;  // "NAME [NODE] VALUE"; those in brackets are optional
+    const char* options;    // their letters
+    const char* help;       // one line
     int (*run)(const Arguments& arguments);
 };
 
 void print(const std::string& text);
 
-// Prints a message on stderr, with "?" for what a terminal would obey. Returns kFailed.
+// Prints a message on stderr, with "?" for control characters. Returns kFailed.
 int fail(const std::string& message);
 
 // Between single quotes.
 std::string quoted(const std::string& text);
 
-// "; did you mean ...?" with the one of the names that comes closest, or nothing.
+// Returns "; did you mean NAME?" with the closest name, or nothing.
 std::string suggestion(const std::string& given, const std::vector<std::string>& names);
 
-// The row of that name, never null.
+// Returns the row of that name, never null; throws UsageError if there is none.
 template <typename Row>
 const Row* find(std::span<const Row> rows, const std::string& name, const std::string& thing) {
     std::vector<std::string> names;
@@ -72,10 +72,10 @@ const Row* find(std::span<const Row> rows, const std::string& name, const std::s
     throw UsageError("there is no " + thing + " " + quoted(name) + suggestion(name, names));
 }
 
-// The whole number that a text is.
+// Returns the number if the whole text is one.
 std::optional<int> numberOf(const std::string& text);
 
-// All settings and lists with their values, for "help settings": no database is needed for it.
+// All settings and lists with the values that they can have. Opens no database.
 std::string settingsHelp();
 
 int reportSections(const Arguments& arguments);

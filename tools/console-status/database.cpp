@@ -16,8 +16,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Who holds a lock on these bytes of a file that keeps others from taking one of that type; empty
-// if nobody does.
+// Returns who holds a lock on these bytes of a file that conflicts with one of that type, or an
+// empty text.
 std::string holderOf(const std::string& path, short type, off_t start, off_t length) {
     struct flock lock = {
         .l_type = type, .l_whence = SEEK_SET, .l_start = start, .l_len = length, .l_pid = 0};
@@ -29,8 +29,8 @@ std::string holderOf(const std::string& path, short type, off_t start, off_t len
                             : "another process";
 }
 
-// By the bytes that SQLite locks. With the write-ahead journal, readers don't keep writers off, and
-// writers lock bytes of the journal's index.
+// SQLite locks certain bytes of the database. With a write-ahead log, readers don't block writers,
+// and writers lock bytes of the log's index.
 std::string lockOf(const std::string& path) {
     constexpr off_t kPendingByte = 0x40000000;
     constexpr off_t kLockBytes = 512;
@@ -49,14 +49,14 @@ bool isDatabase(const fs::path& file) {
     return std::memcmp(magic, kMagic, sizeof magic) == 0;
 }
 
-// Why the library fails on a database, as far as it can be seen from outside; else empty.
+// Returns why a database can't be used, or an empty text if the file shows no cause.
 std::string causeOf(const fs::path& file) {
-    constexpr uintmax_t kLeastRoom = 65536;  // a write-ahead journal and its index
-    fs::path folder = file.parent_path();    // or the nearest above, in which it has to be made
+    constexpr uintmax_t kLeastRoom = 65536;  // for a write-ahead log and its index
+    fs::path folder = file.parent_path();    // or the nearest one that exists
     while (access(folder.c_str(), F_OK) != 0 && errno == ENOENT) {
         folder = folder.parent_path();
     }
-    // Readers write, too: to the journal's index.
+    // Readers need both rights, because they write to the log's index.
     for (const fs::path& path : {folder, file}) {
         if (access(path.c_str(), R_OK | W_OK) != 0 && errno != ENOENT) {
             const std::string cause = std::strerror(errno);
@@ -76,7 +76,8 @@ std::string causeOf(const fs::path& file) {
                                                              : "it can't be made";
 }
 
-// In a child process: closing a file releases all locks of a process on it, the library's too.
+// In a child process, because closing a file releases all locks that the process has on it, those
+// of the library too.
 std::string seenFromOutside(const Database& database) {
     return saidByChild([&] { std::fputs(causeOf(database.path).c_str(), stderr); });
 }
@@ -103,12 +104,12 @@ std::string whyFailed(const Database& database) {
 }
 
 Json troubleOf(const Database& database) {
-    const Quiet quiet;  // the library would log each of its failures
+    const Quiet quiet;  // the library would log the failure
     if (database.isRead()) {
         return nullptr;
     }
     const std::string cause = seenFromOutside(database);
-    // Some data access libraries fail a getter when nothing is stored.
+    // A data access library may fail a getter when nothing is stored.
     return cause.empty() && &database == &kVolatile
                ? Json()
                : Json(nameOf(database) +

@@ -33,8 +33,8 @@ void readSoftware(Json& report, const Json&) {
     std::free(version);
 }
 
-// Sizes of 1024 bytes. A total of 0 is unknown; the highest stands for all above it, without a
-// part.
+// Sizes in KiB. A total of 0 is unknown. The highest total stands for all larger ones, of which the
+// part is unknown.
 Json space(const char* partName, uint32_t total, uint32_t part) {
     const auto bytes = [](uint32_t size, bool known) {
         return known ? Json(1024 * uint64_t{size}) : Json();
@@ -54,7 +54,7 @@ Json readStorage() {
     uint32_t total = 0;
     uint32_t used = 0;
     try {
-        const Quiet quiet;  // df tells of a volume that isn't there
+        const Quiet quiet;  // df reports a missing volume
         CML_getStorageInfo(&total, &used);
     } catch (const std::runtime_error& error) {
         fail(std::string("the storage can't be measured: ") + error.what());
@@ -62,7 +62,7 @@ Json readStorage() {
     return space("used_bytes", total, used);
 }
 
-// The numbers of the processors that are online, from where the library has their load.
+// The numbers of the online processors, from the file from which the library has their load.
 Json onlineProcessors() {
     Json numbers = Json::array();
     std::ifstream figures("/proc/stat");
@@ -75,18 +75,19 @@ Json onlineProcessors() {
     return numbers;
 }
 
-// Not a number before there is an interval; beyond the range when a processor has come or gone.
+// The library returns no number before the first interval ends, and one out of range after a
+// processor went on or off line.
 Json ratio(long double value) {
     return value >= 0 && value <= 1 ? Json(static_cast<double>(value)) : Json();
 }
 
-// The library tells the load of all, then of each processor that is online.
+// The library returns the load of all processors, then of each one that is online.
 Json readLoad() {
     int32_t count = 0;
     const long double* load = CML_getAllCPUUsage(&count);
     Json processors = onlineProcessors();
-    // The first call has no interval yet, and one that finds a processor gone or come gives the
-    // figures of before.
+    // The first call has no interval yet. A call that finds another number of processors returns
+    // the figures of the call before.
     if (std::ssize(processors) + 1 != count) {
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         load = CML_getAllCPUUsage(&count);
@@ -129,7 +130,7 @@ std::string showSoftware(const Json& report) {
     return title("Device") + (watched ? "" : tableOf({"", ""}, rows) + "\n");
 }
 
-// A share as a bar, with a colour if it can be urgent, and as a figure.
+// A share as a bar and a percentage; coloured if a high share is a problem.
 Row meter(const std::string& name, const Json& share, bool isUrgent, const std::string& text) {
     if (share.is_null()) {
         return {name, "", Cell(share), text};
@@ -142,7 +143,6 @@ Row meter(const std::string& name, const Json& share, bool isUrgent, const std::
             text};
 }
 
-// Of a part of a size.
 Row meterOf(const char* name, const Json& space, const std::string& part, bool isUrgent) {
     const Json& total = space["total_bytes"];
     const Json& bytes = space[part + "_bytes"];

@@ -9,8 +9,8 @@
 
 namespace {
 
-// The library hands names to a shell. These characters mean nothing to it, and make up the names
-// and addresses of hosts and the usual names of ports.
+// The library passes names to a shell. These characters have no meaning there; host names,
+// addresses and common port names need no others.
 bool isPlain(const std::string& name) {
     constexpr const char* kPlain =
         "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ.:%_-";
@@ -34,14 +34,14 @@ int pingHost(const Arguments& arguments) {
         throw UsageError(quoted(isPlain(host) ? port : host) + " is no name or address");
     }
     const int seconds = arguments.seconds('t', "2");
-    // In a child process, because the library ignores SIGINT while it waits. The result is the wait
-    // status of a shell, or -1.
+    // In a child process, because the library ignores SIGINT while it waits. The library returns
+    // the wait status of a shell, or -1.
     const std::string said = saidByChild([&] {
         std::fprintf(stderr, "%d", CML_getHostAvailable(host.c_str(), seconds, port.c_str()));
     });
     const int status = numberOf(said).value_or(-1);
     const int ofPing = WIFEXITED(status) ? WEXITSTATUS(status) : 127;
-    const Json told = {{"host", host}, {"available", ofPing > 1 ? Json() : Json(ofPing == 0)}};
-    print(arguments.has('j') ? jsonText(told) : host + " " + outcomeOf(ofPing) + "\n");
+    const Json result = {{"host", host}, {"available", ofPing > 1 ? Json() : Json(ofPing == 0)}};
+    print(arguments.has('j') ? jsonText(result) : host + " " + outcomeOf(ofPing) + "\n");
     return ofPing == 0 ? kDone : kFailed;
 }

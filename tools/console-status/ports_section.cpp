@@ -12,7 +12,7 @@
 
 namespace {
 
-// The library's 0 can stand for no traffic, for 2 GiB and more, and for a failure.
+// 0 from the library means no traffic, 2 GiB or more, or a failure.
 Json counted(int32_t bytes) {
     return bytes == 0 ? Json() : Json(bytes);
 }
@@ -28,7 +28,8 @@ std::string stateOf(const char* port) {
 Json readPort(const char* port) {
     const std::string state = stateOf(port);
     const Json address = orNull(CML_getNetworkPortIPv4Address(port));
-    // Without an address there is no mask, and a port that is down has no route.
+    // Each question costs system calls: without an address there is no mask, on a port that is down
+    // no route.
     const Json mask = address.is_null() ? Json() : orNull(CML_getNetworkPortIPv4NetMask(port));
     const bool routed = state == "up" || state == "no link";
     int32_t received = 0;
@@ -45,8 +46,8 @@ Json readPort(const char* port) {
             {"tx_bytes", counted(sent)}};
 }
 
-// Tells whoever waits at a terminal how far a long reading has come.
-void tellProgress(size_t done, size_t all) {
+// Shows the progress of a long reading on a terminal.
+void showProgress(size_t done, size_t all) {
     constexpr size_t kMany = 20;
     if (all < kMany || isatty(STDERR_FILENO) != 1) {
         return;
@@ -56,7 +57,7 @@ void tellProgress(size_t done, size_t all) {
     std::fprintf(stderr, "%s\r", done < all ? text.c_str() : std::string(text.size(), ' ').c_str());
 }
 
-// The state, and the address with the length of the prefix that a mask such as "255.255.255.0" has.
+// Name, state, and the address with its prefix length, which is the number of bits in the mask.
 Row frontOf(const Json& port) {
     const std::string state = port["state"];
     const Cell address(port["ipv4_address"]);
@@ -78,12 +79,12 @@ Cell rateCell(const Json& rate) {
 }
 
 void readPorts(Json& report, const Json& ports) {
-    Json& told = report["ports"] = ports;
+    Json& states = report["ports"] = ports;
     for (size_t i = 0; i < ports.size(); ++i) {
-        tellProgress(i, ports.size());
-        told[i] = readPort(ports[i].get_ref<const std::string&>().c_str());
+        showProgress(i, ports.size());
+        states[i] = readPort(ports[i].get_ref<const std::string&>().c_str());
     }
-    tellProgress(ports.size(), ports.size());
+    showProgress(ports.size(), ports.size());
 }
 
 std::string showPorts(const Json& report) {
@@ -100,7 +101,7 @@ std::string showPorts(const Json& report) {
                           Cell(port["ipv6_address"])};
         row.insert(row.end(), back.begin(), back.end());
     }
-    const Names now = {"Port", "State", "IPv4", ">In", ">Out", "Course"};
+    const Names now = {"Port", "State", "IPv4", ">In", ">Out", "Trend"};
     const Names all = {"Port", "State", "IPv4", "Gateway", ">Received", ">Sent", "MAC", "IPv6"};
     return title("Network ports") + tableOf(watched ? now : all, rows);
 }
@@ -110,7 +111,7 @@ std::string showPorts(const Json& report) {
 Json portNames() {
     try {
         Names names = take(CML_getNetworkPortsList(0));
-        // The bonding driver keeps a file there.
+        // The bonding driver has a file among the ports.
         std::erase_if(names, [](const std::string& name) {
             return std::filesystem::is_regular_file("/sys/class/net/" + name);
         });

@@ -1,4 +1,4 @@
-// Standard error to nowhere, for calls of the library whose failure this program tells itself.
+// Discards stderr while the library is called, because this program reports the failure itself.
 #pragma once
 
 #include <fcntl.h>

@@ -20,8 +20,8 @@ using Sections = std::vector<const Section*>;
 
 constexpr size_t kMostHistory = 20;
 
-// The one that is named, or all: the settings last, because they may wait for a lock. What --watch
-// shows of all is what changes by itself.
+// Returns the section that is named, or all. The settings are last, because they may wait for a
+// lock; --watch leaves them out.
 Sections sectionsOf(const Arguments& arguments) {
     Sections sections = {&kSoftwareSection, &kLoadSection, &kPortsSection, &kWifiSection,
                          &kSettingsSection};
@@ -32,7 +32,7 @@ Sections sectionsOf(const Arguments& arguments) {
     return sections;
 }
 
-// Shows each section as soon as it is read, if it is to be shown.
+// Reads the sections, and prints each as soon as it is read if isShown.
 Json readAll(const Sections& sections, bool isShown = false) {
     Json report;
     Json ports;
@@ -63,7 +63,7 @@ int statusOf(const Json& report) {
     return complete && std::ranges::none_of(report, &Json::is_null) ? kDone : kFailed;
 }
 
-// Continues the history of the report before.
+// Appends a figure to the history in the report before.
 void addHistory(Json& now, Json& before, const Json& figure) {
     Json& history = now["history"] = std::exchange(before["history"], nullptr);
     history.push_back(figure);
@@ -72,7 +72,7 @@ void addHistory(Json& now, Json& before, const Json& figure) {
     }
 }
 
-// Null if one of the counts is unknown, or if it began anew.
+// Null if a count is unknown or has started again from 0.
 Json rateOf(const Json& now, const Json& before, double seconds) {
     if (now.is_null() || before.is_null()) {
         return nullptr;
@@ -81,7 +81,7 @@ Json rateOf(const Json& now, const Json& before, double seconds) {
     return rate < 0 ? Json() : Json(rate);
 }
 
-// Adds rates and histories to a report, by means of the one before.
+// Adds rates and histories to a report, which take the one before.
 void addPast(Json& report, Json& past, double seconds) {
     std::map<std::string, Json> before;
     for (const Json& port : past["ports"]) {
@@ -109,7 +109,7 @@ std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*))
     return text.str();
 }
 
-// From the terminal's first line on, each line up to its end; what doesn't fit is left out.
+// Overwrites the terminal from its first line on, with as many lines as fit.
 std::string screenOf(const std::string& text) {
     std::string screen = "\033[H";
     size_t left = terminalRows() - 1;
@@ -121,7 +121,7 @@ std::string screenOf(const std::string& text) {
     return screen + "\033[J";
 }
 
-// Shows the sections again and again until SIGINT comes; a report that has begun is finished.
+// Repeats the sections until SIGINT, which waits for the end of a report.
 int watch(const Sections& sections, int seconds, bool asJson) {
     const bool inPlace = !asJson && obeysSequences();
     sigset_t signals;
@@ -145,7 +145,7 @@ int watch(const Sections& sections, int seconds, bool asJson) {
         const std::string text =
             timeText("%F %T   Ctrl-C ends\n", std::localtime) + showAll(sections, report);
         print(asJson ? jsonText(line, -1) : inPlace ? screenOf(text) : "\n" + text);
-        // A wait that a stop of the process ends is over, too.
+        // SIGSTOP and SIGCONT also end the wait (EINTR).
         signal = std::fflush(stdout) == 0 ? std::max(sigtimedwait(&signals, nullptr, &interval), 0)
                                           : SIGINT;
     }
@@ -170,7 +170,7 @@ Json orNull(const char* text) {
 }
 
 std::string jsonText(const Json& json, int indent) {
-    // A terminal obeys the characters from U+007F to U+009F, too.
+    // A terminal also obeys the control characters from U+007F to U+009F.
     const bool isAscii = isTerminal();
     return json.dump(indent, ' ', isAscii, Json::error_handler_t::replace) + "\n";
 }

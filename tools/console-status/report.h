@@ -1,39 +1,37 @@
-// The report. Each section reads what it shows into JSON, which is either written as it is or shown
-// to people.
+// The report. Each section reads its figures into JSON, which is printed as it is or as text.
 #pragma once
 
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-using Json = nlohmann::ordered_json;  // the keys in the order in which they are written here
+using Json = nlohmann::ordered_json;  // keeps the order of the keys
 using Names = std::vector<std::string>;
 
 struct Section {
     const char* name;
     bool usesPorts;
-    // Adds its keys. What isn't there is null. An "error" that isn't null, at whatever depth, tells
-    // that something couldn't be read, and so does a section that is null as a whole.
+    // Adds the keys of the section; null is unknown or absent. The report is incomplete if an
+    // "error" at any depth isn't null, or if a whole section is null.
     void (*read)(Json& report, const Json& ports);
-    // With a heading. Gets what was read; --watch adds rates to it, and a "history" of the last
-    // reports, with which it shows what changes alone.
+    // Returns the text, with a heading. With --watch there are also rates and a "history", and the
+    // text has only what changes.
     std::string (*show)(const Json& report);
 };
-extern const Section kSoftwareSection;  // and the next are the parts of "device"
+extern const Section kSoftwareSection;  // this and the next are "device"
 extern const Section kLoadSection;
 extern const Section kPortsSection;
 extern const Section kWifiSection;
 extern const Section kSettingsSection;
 
-// The names of the device's network ports; null, after a message on stderr, if they can't be
-// listed.
+// Returns the names of the network ports, or null after a message on stderr.
 Json portNames();
 
-// The texts of a list that the library has made; frees it.
+// Returns the texts of a list of the library, which may be null, and frees it.
 Names take(char** list);
 
-// Null of an empty text or none.
+// Returns null for an empty text or a null pointer.
 Json orNull(const char* text);
 
-// As JSON; several lines if indent isn't -1.
+// Returns JSON text, on one line if indent is -1. Escapes all but ASCII on a terminal.
 std::string jsonText(const Json& json, int indent = 2);

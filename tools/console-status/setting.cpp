@@ -11,7 +11,7 @@
 
 namespace {
 
-// Calls a function of the library, with the node in front if it takes one.
+// Calls a function of the library, with the node as first argument if it takes one.
 template <auto kFunction, typename... Rest>
 int32_t call(const char* node, Rest... rest) {
     if constexpr (std::is_invocable_v<decltype(kFunction), const char*, Rest...>) {
@@ -32,7 +32,7 @@ Json getText(const char* node) {
     char* text = nullptr;
     uint32_t ofLibrary = 0;
     if (call<kGetMalloc>(node, &text, &ofLibrary) != 0 || text == nullptr) {
-        return nullptr;  // whatever text points to
+        return nullptr;  // text may be invalid
     }
     Json value = text;
     std::free(text);
@@ -148,7 +148,7 @@ Json readSetting(const Setting& setting, bool usable, const char* node) {
             {"database", setting.database->name}};
 }
 
-std::string textOf(const Json& told) {
-    const Json& text = told[told["word"].is_null() ? "value" : "word"];
+std::string textOf(const Json& entry) {
+    const Json& text = entry[entry["word"].is_null() ? "value" : "word"];
     return text.is_string() ? text.get<std::string>() : text.dump();
 }

@@ -10,15 +10,16 @@
 struct Database {
     const char* name;
     const char* path;
-    bool (*isRead)();  // whether the library can read it
+    bool (*isRead)();  // whether a call of the library can read it
 };
 extern const Database kPersistent;
 extern const Database kVolatile;
 
-// "in the persistent database PATH: CAUSE", after a failure of the library.
+// After a failure, returns "in the persistent database PATH: CAUSE".
 std::string whyFailed(const Database& database);
 
-// Why a database can't be used, or null if it can. Waits once if the database is locked.
+// Returns why a database can't be used, or null if it can. Makes one call of the library, so it
+// waits once for a lock.
 Json troubleOf(const Database& database);
 
 // A name for a number.
@@ -37,9 +38,9 @@ struct Nodes {
 };
 
 enum class Kind : uint8_t {
-    Truth,   // a number whose words are false and true; other numbers can be stored too
+    Truth,   // a number with the words false and true; others can be stored too
     Number,  // without words
-    Word,    // a number that has a word; the library stores no other
+    Word,    // a number with a word; no other can be stored
     Text,
 };
 
@@ -51,7 +52,7 @@ struct Setting {
     Kind kind;
     Words words;                    // by number
     Json fallback;                  // the default
-    Json (*get)(const char* node);  // of what is stored; null if that can't be read
+    Json (*get)(const char* node);  // the stored value; null if it can't be read
     int32_t (*set)(const char* node, const Json& value);
     int32_t (*reset)(const char* node);
     int32_t (*isPresent)(const char* node);
@@ -60,23 +61,23 @@ struct Setting {
     bool isList() const { return nodes.list != nullptr; }
 };
 
-// Settings first, then lists; both by name.
+// Sorted by name, settings before lists.
 extern const std::vector<Setting> kSettings;
 
-// The number's word, or null if it has none.
+// Returns the number's word, or null if it has none.
 Json wordOf(const Setting& setting, const Json& value);
 
-// The value that a text stands for: a word in any case of letters, a number or the text itself.
-// Throws UsageError if the setting can't have it.
+// Returns the value of a word in any case of letters, of a number or of a text. Throws UsageError
+// if the setting can't have it.
 Json parseValue(const Setting& setting, const std::string& text);
 
-// The nodes of a list, sorted, each with its value; null if the list can't be read. "stored" is
-// false for a node that has no value of its own.
+// Returns the nodes of a list in order, each with its value, or null if the list can't be read.
+// "stored" is false if the node has the default.
 Json nodesOf(const Setting& list);
 
-// What the report has of a setting, a list or, if node isn't null, a node of it: "value" or "nodes"
-// comes first, and is null if the database isn't usable or can't be read.
+// Returns the report's entry of a setting, a list or, if node isn't null, a node. Its first key is
+// "value" or "nodes", which is null if the database can't be used or read.
 Json readSetting(const Setting& setting, bool usable, const char* node = nullptr);
 
-// The word of what readSetting gives, or the value where there is none.
-std::string textOf(const Json& told);
+// Returns the word of such an entry, or the value if it has none.
+std::string textOf(const Json& entry);

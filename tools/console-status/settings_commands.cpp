@@ -25,21 +25,21 @@ int resultOf(const std::string& what, const Target& target, bool isDone) {
 }
 
 int showValue(const Target& target, bool asJson) {
-    const Json told = readSetting(target.setting, true, target.node);
-    if (told.front().is_null()) {
+    const Json entry = readSetting(target.setting, true, target.node);
+    if (entry.front().is_null()) {
         return resultOf("read", target, false);
     }
     if (asJson) {
         Json named = {{"name", target.setting.name},
                       {"node", target.node != nullptr ? Json(target.node) : Json()}};
-        named.update(told);
+        named.update(entry);
         print(jsonText(named));
-    } else if (!told.contains("nodes")) {
-        // A terminal would obey control characters; a script gets what is stored.
-        print((isTerminal() ? Cell(textOf(told)).text : textOf(told)) + "\n");
+    } else if (!entry.contains("nodes")) {
+        // A terminal would obey control characters; a pipe gets the stored text.
+        print((isTerminal() ? Cell(textOf(entry)).text : textOf(entry)) + "\n");
     } else {
         std::vector<Row> rows;
-        for (const Json& node : told["nodes"]) {
+        for (const Json& node : entry["nodes"]) {
             rows.push_back({Cell(node["node"]), Cell(node["value"])});
         }
         print(tableOf({"Node", "Value"}, rows));
@@ -52,7 +52,7 @@ int change(const std::string& what, const Target& target, const Json& value) {
     const char* const node = target.node;
     const auto succeeds = [&] {
         const Quiet quiet;
-        // Not every library takes the removal of nothing as a success.
+        // A data access library may refuse to delete an absent item.
         return what == "set"     ? setting.set(node, value) == 0
                : what == "reset" ? setting.isPresent(node) == 0 || setting.reset(node) == 0
                : what == "clear" ? setting.nodes.clear() == 0
@@ -61,7 +61,7 @@ int change(const std::string& what, const Target& target, const Json& value) {
     return resultOf(what, target, succeeds());
 }
 
-// Whether a terminal's user agrees.
+// Asks the user of a terminal for confirmation.
 bool isAgreed() {
     if (isatty(STDIN_FILENO) != 1) {
         throw UsageError("factory-reset needs --yes where it can't ask");
@@ -71,10 +71,11 @@ bool isAgreed() {
     return answer == 'y' || answer == 'Y';
 }
 
-// What is wrong with a database after a factory reset, or null.
+// Returns what a factory reset has left in a database, or why that is unknown; null if nothing.
 Json remainderOf(const Database& database) {
     const Quiet quiet;
-    // Lists first: one that can't be read ends the search, and so only one call waits for a lock.
+    // Begins with the lists: one that can't be read ends the search, so only one call waits for a
+    // lock.
     const auto left = std::find_if(kSettings.rbegin(), kSettings.rend(), [&](const Setting& each) {
         return each.database == &database &&
                (each.isList() ? nodesOf(each) != Json::array() : each.isPresent(nullptr) != 0);
@@ -120,7 +121,7 @@ int resetAll(const Arguments& arguments) {
         const Quiet quiet;
         DAL_CML_deleteAll();
     }
-    // The library's result doesn't say whether the removal went well.
+    // The result of the library doesn't show a failed removal.
     int status = kDone;
     for (const Database* database : {&kPersistent, &kVolatile}) {
         const Json remainder = remainderOf(*database);

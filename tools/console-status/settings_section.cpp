@@ -9,17 +9,17 @@ void readSettings(Json& report, const Json&) {
     for (const Database* database : {&kPersistent, &kVolatile}) {
         databases[database->name] = {{"path", database->path}, {"error", troubleOf(*database)}};
     }
-    Json told = {{"settings", Json()}, {"lists", Json()}};
+    Json entries = {{"settings", Json()}, {"lists", Json()}};
     for (const Setting& setting : kSettings) {
         Json& error = databases[setting.database->name]["error"];
-        Json& entry = told[setting.isList() ? "lists" : "settings"][setting.name];
+        Json& entry = entries[setting.isList() ? "lists" : "settings"][setting.name];
         entry = readSetting(setting, error.is_null());
         if (error.is_null() && entry.front().is_null()) {
             error = "can't read " + setting.name + " " + whyFailed(*setting.database);
         }
     }
     report["databases"] = databases;
-    report.update(told);
+    report.update(entries);
 }
 
 std::string showSettings(const Json& report) {
@@ -29,16 +29,16 @@ std::string showSettings(const Json& report) {
         troubles += error.is_null() ? "" : paragraph({error.get<std::string>(), kYellow});
     }
     std::vector<Row> values;
-    for (const auto& [name, told] : report["settings"].items()) {
-        if (const bool isStored = told["stored"] == true; !told["value"].is_null()) {
+    for (const auto& [name, entry] : report["settings"].items()) {
+        if (const bool isStored = entry["stored"] == true; !entry["value"].is_null()) {
             values.push_back(
-                {name, {isStored ? "stored" : "default", isStored ? kGreen : kDim}, textOf(told)});
+                {name, {isStored ? "stored" : "default", isStored ? kGreen : kDim}, textOf(entry)});
         }
     }
     std::vector<Row> lists;
-    for (const auto& [name, told] : report["lists"].items()) {
-        if (!told["nodes"].is_null()) {
-            lists.push_back({name, std::to_string(told["nodes"].size())});
+    for (const auto& [name, entry] : report["lists"].items()) {
+        if (!entry["nodes"].is_null()) {
+            lists.push_back({name, std::to_string(entry["nodes"].size())});
         }
     }
     return title("Settings") + troubles + tableOf({"Setting", "State", "Value"}, values) +

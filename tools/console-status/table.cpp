@@ -8,10 +8,10 @@
 namespace {
 
 constexpr size_t kIndentBelow = 6;
-// The least room in which a wrapped text stands beside others.
+// The narrowest room for a wrapped text next to other columns.
 constexpr size_t kLeastRoom = 20;
 
-// The bytes of a text's first character, and its columns: -1 if it can't be shown.
+// Returns the number of bytes of the first character, and of its columns: -1 if it can't be shown.
 std::pair<size_t, int> firstOf(std::string_view text) {
     std::mbstate_t state{};
     wchar_t character = 0;
@@ -20,7 +20,7 @@ std::pair<size_t, int> firstOf(std::string_view text) {
     return {valid ? bytes : 1, valid ? wcwidth(character) : -1};
 }
 
-// How many bytes of a text stand in a line of so many columns, up to a blank if there is one.
+// Returns how many bytes of a text fit into a line, up to a blank if there is one.
 size_t lineEnd(std::string_view text, size_t columns) {
     size_t end = 0;
     for (size_t used = 0; end < text.size();) {
@@ -35,7 +35,7 @@ size_t lineEnd(std::string_view text, size_t columns) {
     return end;
 }
 
-// Wrapped at the terminal's end, each further line below the first.
+// Wraps a text at the right edge of the terminal; further lines are indented.
 std::string wrapped(const Cell& cell, size_t indent) {
     const size_t columns = terminalColumns();
     const size_t room = columns > indent ? columns - indent : 1;
@@ -49,7 +49,7 @@ std::string wrapped(const Cell& cell, size_t indent) {
     return text;
 }
 
-// How many columns fit the terminal, one at least.
+// Returns how many columns fit the terminal, at least one.
 size_t countOf(const std::vector<size_t>& widths) {
     size_t left = terminalColumns();
     for (size_t i = 0; i < widths.size(); ++i) {
@@ -76,7 +76,7 @@ std::string lineOf(const Row& row, const std::vector<size_t>& widths, const Name
     return text.empty() ? "" : text + "\n";
 }
 
-// The cells from one on with their headings, as many in a line as fit.
+// Returns lines with the cells that had no room, each after its heading.
 std::string linesBelow(const Row& row, size_t from, const Row& headings) {
     std::string text;
     size_t left = 0;

@@ -7,31 +7,30 @@
 #include "report.h"
 #include "terminal.h"
 
-// A text with a style. A "?" takes the place of each character that a terminal would obey and of
-// what isn't UTF-8.
+// A text with a style. "?" replaces control characters and bytes that aren't UTF-8.
 struct Cell {
     Cell(const char* cellText, const char* cellStyle = nullptr)
         : Cell(std::string(cellText), cellStyle) {}
     Cell(const std::string& cellText, const char* cellStyle = nullptr);
-    explicit Cell(const Json& value);  // of a text or a number; "-" of null
+    explicit Cell(const Json& value);  // "-" for null
 
     std::string text;
-    size_t width = 0;  // on the screen
+    size_t width = 0;  // in columns
     const char* style;
 };
 
 using Row = std::vector<Cell>;
 
-// Below headings, of which the columns are flush right where one begins with ">". Each column is as
-// wide as its widest cell, two blanks in front. On a terminal a column that doesn't fit any more
-// stands in lines below its row, with its heading before each cell that isn't empty or "-"; and a
-// cell that fits no line is wrapped. So the columns that matter most come first.
+// Returns a table below its headings. ">" in front of a heading aligns the column to the right. A
+// column is as wide as its widest cell. Columns that don't fit the terminal follow below each row,
+// with the heading before each cell that isn't empty or "-". A cell that fits no line is wrapped.
+// So the most important columns come first.
 std::string tableOf(const Names& headings, const std::vector<Row>& rows);
 
-// An indented text, wrapped where the terminal ends.
+// An indented text, wrapped at the right edge of the terminal.
 std::string paragraph(const Cell& cell);
 
-// A line that opens a section of the report.
+// The heading of a section.
 std::string title(const std::string& text);
 
 // 1536 as "1.5 KiB".

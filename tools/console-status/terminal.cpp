@@ -19,8 +19,8 @@ std::string variable(const char* name) {
     return value != nullptr ? value : "";
 }
 
-// A serial line's is 0, until stty gives it one.
-winsize toldSize() {
+// 0 for a serial line until stty sets it.
+winsize sizeOfTerminal() {
     winsize size{};
     ioctl(STDOUT_FILENO, TIOCGWINSZ, &size);
     return size;
@@ -31,8 +31,8 @@ winsize toldSize() {
 void setUpTerminal() {
     std::setlocale(LC_CTYPE, "");
     drawsUnicode = std::string(nl_langinfo(CODESET)) == "UTF-8";
-    // Networks' names are UTF-8, if they are text at all, whatever the user's locale. Where a
-    // system lacks this one, all but ASCII shows as "?".
+    // Network names are UTF-8 in any locale of the user. On a system without C.UTF-8 only ASCII is
+    // shown.
     std::setlocale(LC_CTYPE, "C.UTF-8");
 }
 
@@ -46,12 +46,12 @@ bool obeysSequences() {
 }
 
 size_t terminalColumns() {
-    const size_t columns = toldSize().ws_col;
+    const size_t columns = sizeOfTerminal().ws_col;
     return !isTerminal() ? SIZE_MAX : columns > 0 ? columns : 80;
 }
 
 size_t terminalRows() {
-    const size_t rows = toldSize().ws_row;
+    const size_t rows = sizeOfTerminal().ws_row;
     return rows > 0 ? rows : 24;
 }
 
@@ -81,7 +81,7 @@ std::string sparkline(const Json& figures) {
             text += ' ';
             continue;
         }
-        // From U+2581 on there are eight blocks, each higher than the one before.
+        // U+2581 to U+2588 are blocks of rising height.
         const auto step = std::lround(7 * figure.get<double>() / highest);
         text += drawsUnicode ? std::string("\xe2\x96") + static_cast<char>(0x81 + step)
                              : std::string(1, "_.:-=+*#"[step]);

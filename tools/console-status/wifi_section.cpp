@@ -30,7 +30,7 @@ std::string bssidText(const uint8_t (&bssid)[6]) {
     return text;
 }
 
-// What the kernel didn't send keeps the value that was there before the call.
+// A figure that the kernel didn't send keeps its value from before the call.
 constexpr wifi_bss_record kUnsent = {{}, 0, "", CML_BSS_STATUS_NONE, INT32_MIN, UINT32_MAX};
 constexpr wifi_station_record kUnsentLink = {{},       "",         CML_BSS_STATUS_NONE, INT8_MIN,
                                              INT8_MIN, UINT32_MAX, UINT32_MAX};
@@ -40,7 +40,7 @@ Json sent(const Value& value, const Value& unsent) {
     return value == unsent ? Json() : Json(value);
 }
 
-// Without a link nothing else is known.
+// Without a link there are no figures.
 Json linkOf(const wifi_station_record& station) {
     if (!isJoined(station.status)) {
         return {{"connected", false}};
@@ -53,8 +53,8 @@ Json linkOf(const wifi_station_record& station) {
             {"tx_packets", sent(station.tx_packets, kUnsentLink.tx_packets)}};
 }
 
-// Asks in a child process, because most failures of Wi-Fi end the process. Its answer follows the
-// library's messages, on a line of its own.
+// Reads a link in a child process, because most failures of Wi-Fi end the process. The child's JSON
+// follows the messages of the library on a separate line.
 Json readLink(const std::string& port) {
     std::istringstream said(saidByChild([&] {
         wifi_station_record station = kUnsentLink;
@@ -67,14 +67,14 @@ Json readLink(const std::string& port) {
     for (std::string line; std::getline(said, line);) {
         last = line.empty() ? last : line;
     }
-    Json told = {{"port", port}};
+    Json state = {{"port", port}};
     for (const char* const key :
          {"connected", "ssid", "bssid", "signal_dbm", "rx_packets", "tx_packets", "error"}) {
-        told[key] = nullptr;
+        state[key] = nullptr;
     }
     const Json link = Json::parse(last, nullptr, false);
-    told.update(link.is_object() ? link : Json{{"error", last}});
-    return told;
+    state.update(link.is_object() ? link : Json{{"error", last}});
+    return state;
 }
 
 // A bar from -100 dBm to -50 dBm, and the figure.
@@ -93,7 +93,7 @@ Cell ssidCell(const Json& ssid) {
     return ssid.is_null() ? Cell("(hidden)", kDim) : Cell(ssid);
 }
 
-// What the kernel listed, strongest first; at the end those whose signal isn't known.
+// Sorts the networks, strongest first, those of unknown signal last.
 Json networksOf(std::vector<wifi_bss_record> records) {
     std::ranges::stable_sort(records, std::greater(), &wifi_bss_record::signal_mbm);
     Json networks = Json::array();
@@ -110,31 +110,31 @@ Json networksOf(std::vector<wifi_bss_record> records) {
     return networks;
 }
 
-std::string showNetworks(const Json& told) {
+std::string showNetworks(const Json& scan) {
     std::vector<Row> rows;
-    for (const Json& network : told["networks"]) {
+    for (const Json& network : scan["networks"]) {
         rows.push_back({network["joined"] == true ? "*" : "", ssidCell(network["ssid"]),
                         signalCell(network["signal_dbm"]), Cell(network["bssid"]),
                         Cell(network["frequency_mhz"]), Cell(network["seen_ms_ago"])});
     }
-    const Json& more = told["not_shown"];
+    const Json& more = scan["not_shown"];
     return tableOf({"", "Network", "Signal", "Access point", ">MHz", ">Seen ms ago"}, rows) +
            (more == 0 ? "" : paragraph(more.dump() + " more are not shown"));
 }
 
 void readWifi(Json& report, const Json& ports) {
-    Json& told = report["wifi"] = ports.is_null() ? Json() : Json::array();
+    Json& links = report["wifi"] = ports.is_null() ? Json() : Json::array();
     for (const std::string port : ports) {
         if (std::filesystem::exists("/sys/class/net/" + port + "/phy80211")) {
-            told.push_back(readLink(port));
+            links.push_back(readLink(port));
         }
     }
 }
 
 std::string showWifi(const Json& report) {
     std::vector<Row> rows;
-    const Json& told = report["wifi"];
-    for (const Json& link : told) {
+    const Json& links = report["wifi"];
+    for (const Json& link : links) {
         rows.push_back({Cell(link["port"]),
                         !link["error"].is_null()     ? Cell(Cell(link["error"]).text, kYellow)
                         : link["connected"] == false ? Cell("not connected", kDim)
@@ -146,7 +146,7 @@ std::string showWifi(const Json& report) {
                             "Access point", ">Packets in", ">Packets out"};
     return title("Wi-Fi") +
            (rows.empty()
-                ? paragraph({told.is_null() ? "no ports are known" : "no wireless port", kDim})
+                ? paragraph({links.is_null() ? "no ports are known" : "no wireless port", kDim})
                 : tableOf(headings, rows));
 }
 
@@ -161,7 +161,7 @@ int scanWifi(const Arguments& arguments) {
     if (!wifi) {
         return kFailed;
     }
-    // The cursor stays in front, so that a message of the library takes the line.
+    // The cursor goes back, so that a message of the library overwrites the line.
     const bool visible = isatty(STDERR_FILENO) == 1;
     std::fputs(visible ? "Scanning...\r" : "", stderr);
     std::vector<wifi_bss_record> records(kMostNetworks, kUnsent);
@@ -173,9 +173,9 @@ int scanWifi(const Arguments& arguments) {
                     "the right to scan (CAP_NET_ADMIN) is missing");
     }
     records.resize(static_cast<size_t>(std::min(count, kMostNetworks)));
-    const Json told = {{"port", port},
+    const Json scan = {{"port", port},
                        {"networks", networksOf(std::move(records))},
                        {"not_shown", std::max(count - kMostNetworks, 0)}};
-    print(arguments.has('j') ? jsonText(told) : showNetworks(told));
+    print(arguments.has('j') ? jsonText(scan) : showNetworks(scan));
     return kDone;
 }

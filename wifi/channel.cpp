@@ -9,16 +9,16 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
-#include "wifi/fatal.h"
+#include "wifi/report.h"
 
 namespace {
 
-// How much of a datagram is messages that lie within it. libmnl stops at the first that doesn't,
-// but up to version 1.0.4 it takes a length of 2 GiB or more for a negative one, and follows it.
+// Returns the length of those messages that lie completely within the datagram. libmnl stops at the
+// first that doesn't, but up to version 1.0.4 it reads a length of 2 GiB or more as negative and
+// steps out of the buffer.
 size_t lengthOfMessages(const void* datagram, size_t received) {
     size_t length = 0;
     while (received - length >= sizeof(nlmsghdr)) {
@@ -32,8 +32,8 @@ size_t lengthOfMessages(const void* datagram, size_t received) {
     return length;
 }
 
-// Drops what is still to come of an answer that broke off: the next exchange would take it for its
-// own, break off in turn, and so on for ever. errno stays as it is.
+// Drops the rest of a reply that failed half-way. Otherwise the next exchange would read it and
+// fail in turn, and while a dump runs the kernel refuses the next one. errno stays as it is.
 void dropReplies(const wifi_channel& channel) {
     const int failure = errno;
     while (recv(mnl_socket_get_fd(channel.socket), channel.buffer, wifi_channel_buffer_size(),
@@ -79,8 +79,7 @@ void wifi_channel_close(wifi_channel& channel) {
 
 nlmsghdr* wifi_prepare_request(uint16_t nlmsg_type, uint16_t nlmsg_flags, uint8_t cmd, void* buffer,
                                const uint32_t* sequence) {
-    // libmnl 1.0.4 leaves the padding of attributes as it finds it: there it would find old
-    // replies.
+    // libmnl 1.0.4 doesn't write the padding of attributes, which would then hold old replies.
     std::memset(buffer, 0, wifi_channel_buffer_size());
     nlmsghdr* const message = mnl_nlmsg_put_header(buffer);
     message->nlmsg_type = nlmsg_type;
@@ -119,9 +118,10 @@ int wifi_channel_run(wifi_channel& channel, size_t received, uint32_t sequence, 
 
 int wifi_channel_exchange(wifi_channel& channel, mnl_cb_t callback) {
     const unsigned port = mnl_socket_get_portid(channel.socket);
+    ssize_t received = 0;
     int result = 0;
     do {
-        const ssize_t received = wifi_channel_receive(channel);
+        received = wifi_channel_receive(channel);
         result = received <= 0 ? static_cast<int>(received)
                                : wifi_channel_run(channel, static_cast<size_t>(received),
                                                   channel.sequence, port, callback);
@@ -148,10 +148,4 @@ uint8_t wifi_command_of(const nlmsghdr* message) {
     return mnl_nlmsg_get_payload_len(message) == 0
                ? 0
                : *static_cast<const uint8_t*>(mnl_nlmsg_get_payload(message));
-}
-
-void wifi_report_ignored(const nlmsghdr* message) {
-    std::fprintf(stderr, "Ignoring generic netlink command %u seq %u pid  %u genl cmd %u\n",
-                 unsigned{message->nlmsg_type}, unsigned{message->nlmsg_seq},
-                 unsigned{message->nlmsg_pid}, unsigned{wifi_command_of(message)});
 }

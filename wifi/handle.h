@@ -5,5 +5,5 @@
 #include "console-manager/wifi.h"
 #include "system/deleted_by.h"
 
-// A scanner handle that is closed at the end of its life.
+// Owns a scanner handle and closes it.
 using Handle = std::unique_ptr<wifi_data, DeletedBy<wifi_scan_close>>;

@@ -3,21 +3,20 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 
 #include "console-manager/wifi.h"
 #include "wifi/channel.h"
-#include "wifi/fatal.h"
+#include "wifi/report.h"
 #include "wifi/scan_results.h"
 
 namespace {
 
-// What the notifications of one call have told.
+// What the notifications in one call reported.
 struct wifi_notification_flags {
-    uint32_t new_scan_results;  // a scan has ended, of whichever port, and its results are there
-    uint32_t scan_triggered;    // this port's scan is running
-    uint32_t others_triggered;  // how many other ports' scans are
-    uint32_t scan_aborted;      // this port's scan was given up
+    uint32_t new_scan_results = 0;  // a scan of any port ended, and its results are there
+    uint32_t scan_triggered = 0;    // a scan of this port is running
+    uint32_t others_triggered = 0;  // number of other ports with a running scan
+    uint32_t scan_aborted = 0;      // a scan of this port was given up
 };
 
 int takeInterface(const nlattr* attribute, void* index) {
@@ -28,7 +27,7 @@ int takeInterface(const nlattr* attribute, void* index) {
     return MNL_CB_OK;
 }
 
-// Whether a message is about the channel's port; one that names no port counts as such.
+// Returns whether a message is about the channel's port. One that names no port counts as such.
 bool isOwn(const nlmsghdr* message, const wifi_channel& channel) {
     uint32_t index = channel.interface_index;
     mnl_attr_parse(message, sizeof(genlmsghdr), takeInterface, &index);
@@ -55,35 +54,33 @@ void noteAbort(bool own, wifi_notification_flags& flags) {
 int wifi_on_notification(const nlmsghdr* message, void* data) {
     const auto& channel = *static_cast<wifi_channel*>(data);
     auto& flags = *static_cast<wifi_notification_flags*>(channel.context);
-    const uint8_t command = wifi_command_of(message);
-    switch (command) {
+    const bool own = isOwn(message, channel);
+    switch (wifi_command_of(message)) {
         case NL80211_CMD_TRIGGER_SCAN:
-            noteTrigger(isOwn(message, channel), flags);
+            noteTrigger(own, flags);
             return MNL_CB_OK;
         case NL80211_CMD_NEW_SCAN_RESULTS:
-            // Only the kernel's own word counts.
+            // Only a notification from the kernel counts.
             if (message->nlmsg_pid == 0 && message->nlmsg_seq == 0) {
                 flags.new_scan_results = 1;
             }
             return MNL_CB_OK;
         case NL80211_CMD_SCAN_ABORTED:
-            noteAbort(isOwn(message, channel), flags);
+            noteAbort(own, flags);
             break;
         default:
             break;
     }
-    std::fprintf(stderr, "Ignoring generic netlink command type %u seq %u pid  %u genl cmd %u\n",
-                 unsigned{message->nlmsg_type}, unsigned{message->nlmsg_seq},
-                 unsigned{message->nlmsg_pid}, unsigned{command});
+    wifi_report_ignored("command type", message);
     return MNL_CB_OK;
 }
 
-// Notifications carry 0 as sequence and port.
+// The sequence and port of notifications are 0.
 int readNotifications(wifi_channel& channel, ssize_t received) {
     return wifi_channel_run(channel, static_cast<size_t>(received), 0, 0, wifi_on_notification);
 }
 
-// Reads what has queued up, without waiting for more.
+// Reads the queued notifications without waiting for more.
 void ReadPastNotificationsNonBlocking(wifi_channel& channel) {
     SetChannelNonBlocking(channel, true);
     for (;;) {
@@ -109,7 +106,7 @@ int triggerScan(wifi_channel& commands) {
     return wifi_channel_exchange(commands, wifi_on_scan_result);
 }
 
-// Sees to it that this port scans. Returns false if the kernel refuses.
+// Starts a scan of this port, unless one is running. Returns false if the kernel refuses.
 bool startScan(wifi_data& wifi, wifi_notification_flags& flags) {
     if (triggerScan(wifi.commands) == 0) {
         flags.scan_triggered = 1;
@@ -118,13 +115,13 @@ bool startScan(wifi_data& wifi, wifi_notification_flags& flags) {
     if (errno != EBUSY) {
         return false;
     }
-    // Somebody else may have started the port's scan since the last look: the kernel has told of
-    // that before it refused.
+    // Somebody else may have started the port's scan since the last look: the kernel sends the
+    // notification of that before it refuses.
     ReadPastNotificationsNonBlocking(wifi.notifications);
     return flags.scan_triggered != 0 || flags.new_scan_results != 0;
 }
 
-// Reads one datagram of notifications, however long it takes to come.
+// Waits for one datagram of notifications, without a time limit, and reads it.
 void waitForNotification(wifi_channel& notifications) {
     const ssize_t received = wifi_channel_receive(notifications);
     if (received <= 0) {
@@ -135,9 +132,9 @@ void waitForNotification(wifi_channel& notifications) {
     }
 }
 
-// Waits for the results of a scan that is running, of this port or another, and starts one if none
-// is, or if another port's was given up. Returns false if this port's scan was refused or given up:
-// no results would come of it.
+// Waits for the results of a running scan, of this port or another, and starts one if there is none
+// or if another port's was given up. Returns false if this port's scan was refused or given up, so
+// that no results will come.
 bool waitForResults(wifi_data& wifi, wifi_notification_flags& flags) {
     flags.scan_aborted = 0;
     while (flags.new_scan_results == 0 && flags.scan_aborted == 0) {
@@ -153,12 +150,12 @@ bool waitForResults(wifi_data& wifi, wifi_notification_flags& flags) {
 }  // namespace
 
 int32_t wifi_scan_all(wifi_data* wifi, wifi_bss_record* records, int32_t capacity) {
-    wifi_notification_flags flags{};
+    wifi_notification_flags flags;
     wifi_scan_results results{records, capacity, 0};
     wifi->notifications.context = &flags;
     wifi->commands.context = &results;
 
-    // A scan that runs, or has ended since the last call, serves as well as one of our own.
+    // A scan that is running, or ended since the last call, serves as well as a new one.
     ReadPastNotificationsNonBlocking(wifi->notifications);
     if (!waitForResults(*wifi, flags)) {
         return -1;

@@ -8,19 +8,19 @@
 #include "console-manager/wifi.h"
 #include "wifi/attribute_validation.h"
 #include "wifi/channel.h"
-#include "wifi/fatal.h"
 #include "wifi/handle.h"
+#include "wifi/report.h"
 
 namespace {
 
-// A name that comes without its NUL is no name.
+// A name without its terminating NUL doesn't count.
 bool isScanGroup(const nlattr* name) {
     constexpr char kName[] = "scan";
     return name != nullptr && mnl_attr_get_payload_len(name) >= sizeof kName &&
            std::memcmp(mnl_attr_get_payload(name), kName, sizeof kName) == 0;
 }
 
-// All groups are looked at: of two with the name the last one counts.
+// Reads all groups: if two have the name, the last one counts.
 void readGroups(const nlattr* groups, uint32_t& scanGroup) {
     const auto* group = static_cast<const nlattr*>(mnl_attr_get_payload(groups));
     const char* const end = reinterpret_cast<const char*>(group) + mnl_attr_get_payload_len(groups);
@@ -28,31 +28,32 @@ void readGroups(const nlattr* groups, uint32_t& scanGroup) {
          group = mnl_attr_next(group)) {
         const auto slots =
             parseNest<CTRL_ATTR_MCAST_GRP_ID>(group, NL80211_MCAST_GROUPS_VALIDATION);
-        if (!isScanGroup(slots[CTRL_ATTR_MCAST_GRP_NAME])) {
+        if (!isScanGroup(std::get<CTRL_ATTR_MCAST_GRP_NAME>(slots))) {
             continue;
         }
-        if (slots[CTRL_ATTR_MCAST_GRP_ID] == nullptr) {
+        if (std::get<CTRL_ATTR_MCAST_GRP_ID>(slots) == nullptr) {
             wifi_fatal_text("Missing id attribute for scan multicast group");
         }
-        scanGroup = mnl_attr_get_u32(slots[CTRL_ATTR_MCAST_GRP_ID]);
+        scanGroup = mnl_attr_get_u32(std::get<CTRL_ATTR_MCAST_GRP_ID>(slots));
     }
 }
 
 int wifi_on_family_reply(const nlmsghdr* message, void* data) {
     auto& channel = *static_cast<wifi_channel*>(data);
     const auto slots = parseMessage<CTRL_ATTR_MCAST_GROUPS>(message, NL80211_VALIDATION);
-    if (slots[CTRL_ATTR_FAMILY_ID] == nullptr) {
+    if (std::get<CTRL_ATTR_FAMILY_ID>(slots) == nullptr) {
         wifi_fatal_text("No family id attribute");
     }
-    channel.family_id = mnl_attr_get_u16(slots[CTRL_ATTR_FAMILY_ID]);
-    if (slots[CTRL_ATTR_MCAST_GROUPS] != nullptr) {
-        readGroups(slots[CTRL_ATTR_MCAST_GROUPS], *static_cast<uint32_t*>(channel.context));
+    channel.family_id = mnl_attr_get_u16(std::get<CTRL_ATTR_FAMILY_ID>(slots));
+    if (std::get<CTRL_ATTR_MCAST_GROUPS>(slots) != nullptr) {
+        readGroups(std::get<CTRL_ATTR_MCAST_GROUPS>(slots),
+                   *static_cast<uint32_t*>(channel.context));
     }
     return MNL_CB_OK;
 }
 
-// Asks the controller for nl80211. Sets the channel's family_id and returns the id of the group to
-// which the kernel sends the notifications of scans.
+// Asks the controller for nl80211. Sets the channel's family_id, and returns the id of the group to
+// which the kernel sends notifications of scans.
 uint32_t GetFamilyAndScanId(wifi_channel& channel) {
     uint32_t scanGroup = 0;
     channel.context = &scanGroup;
@@ -87,7 +88,7 @@ wifi_data* wifi_scan_init(const char* interface) {
         return nullptr;
     }
     wifi->commands.family_id = wifi->notifications.family_id;
-    // Last, so that nothing queues up for a handle that never comes to be.
+    // Last, so that no notification is queued before the handle is complete.
     if (mnl_socket_setsockopt(wifi->notifications.socket, NETLINK_ADD_MEMBERSHIP, &scanGroup,
                               sizeof scanGroup) < 0) {
         wifi_fatal_errno("mnl_socket_set_sockopt");

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "wifi/attribute_validation.h"
+#include "wifi/report.h"
 
 static_assert(sizeof(wifi_bss_record) == 60 && offsetof(wifi_bss_record, bssid) == 0 &&
               offsetof(wifi_bss_record, frequency) == 8 && offsetof(wifi_bss_record, ssid) == 12 &&
@@ -21,9 +22,9 @@ namespace {
 
 constexpr uint32_t kMaxBssAttribute = 19;
 
-// The element for a network with this status, or null if it isn't stored. The network that the
-// interface belongs to takes element 0; what stood there moves to the end, or is lost in a full
-// array.
+// Returns the element for a network with this status, or null if it isn't stored. The network that
+// the interface belongs to gets element 0, whose content moves to the end or, in a full array, is
+// lost.
 wifi_bss_record* chooseElement(const wifi_scan_results& results, int32_t status) {
     const bool hasRoom = results.count < results.capacity;
     if (results.capacity <= 0) {
@@ -38,8 +39,8 @@ wifi_bss_record* chooseElement(const wifi_scan_results& results, int32_t status)
     return results.records;
 }
 
-// Of the information elements only the first is looked at, which in every frame of an access point
-// is the SSID: an id, a length, and the name, which may hold any byte and has no end mark.
+// Reads the first information element, which in every frame of an access point is the SSID: an id,
+// a length, and the name, which may hold any byte and isn't terminated.
 void readSsid(const nlattr* elements, char (&ssid)[33]) {
     constexpr uint8_t kSsidElement = 0;
     constexpr size_t kHead = 2;
@@ -59,19 +60,19 @@ void readSsid(const nlattr* elements, char (&ssid)[33]) {
 }
 
 void fillElement(const Slots<kMaxBssAttribute>& bss, int32_t status, wifi_bss_record& record) {
-    if (const nlattr* const bssid = bss[NL80211_BSS_BSSID]) {
+    if (const nlattr* const bssid = std::get<NL80211_BSS_BSSID>(bss)) {
         std::memcpy(record.bssid, mnl_attr_get_payload(bssid), sizeof record.bssid);
     }
-    if (const nlattr* const frequency = bss[NL80211_BSS_FREQUENCY]) {
+    if (const nlattr* const frequency = std::get<NL80211_BSS_FREQUENCY>(bss)) {
         record.frequency = mnl_attr_get_u32(frequency);
     }
-    if (const nlattr* const elements = bss[NL80211_BSS_INFORMATION_ELEMENTS]) {
+    if (const nlattr* const elements = std::get<NL80211_BSS_INFORMATION_ELEMENTS>(bss)) {
         readSsid(elements, record.ssid);
     }
-    if (const nlattr* const signal = bss[NL80211_BSS_SIGNAL_MBM]) {
+    if (const nlattr* const signal = std::get<NL80211_BSS_SIGNAL_MBM>(bss)) {
         record.signal_mbm = static_cast<int32_t>(mnl_attr_get_u32(signal));
     }
-    if (const nlattr* const seen = bss[NL80211_BSS_SEEN_MS_AGO]) {
+    if (const nlattr* const seen = std::get<NL80211_BSS_SEEN_MS_AGO>(bss)) {
         record.seen_ms_ago = mnl_attr_get_u32(seen);
     }
     record.status = status;
@@ -81,16 +82,17 @@ void fillElement(const Slots<kMaxBssAttribute>& bss, int32_t status, wifi_bss_re
 
 int wifi_on_scan_result(const nlmsghdr* message, void* data) {
     if (wifi_command_of(message) != NL80211_CMD_NEW_SCAN_RESULTS) {
-        wifi_report_ignored(message);
+        wifi_report_ignored("command", message);
         return MNL_CB_OK;
     }
     const auto slots =
         parseMessage<kMaxMessageAttribute>(message, NL80211_NEW_SCAN_RESULTS_VALIDATION);
-    if (slots[NL80211_ATTR_BSS] == nullptr) {
+    if (std::get<NL80211_ATTR_BSS>(slots) == nullptr) {
         return MNL_CB_OK;
     }
-    const auto bss = parseNest<kMaxBssAttribute>(slots[NL80211_ATTR_BSS], NL80211_BSS_VALIDATION);
-    const nlattr* const statusSlot = bss[NL80211_BSS_STATUS];
+    const auto bss =
+        parseNest<kMaxBssAttribute>(std::get<NL80211_ATTR_BSS>(slots), NL80211_BSS_VALIDATION);
+    const nlattr* const statusSlot = std::get<NL80211_BSS_STATUS>(bss);
     const int32_t status = statusSlot == nullptr
                                ? CML_BSS_STATUS_NONE
                                : static_cast<int32_t>(mnl_attr_get_u32(statusSlot));

@@ -1,4 +1,4 @@
-// The kernel's list of networks, read into an array of the caller's.
+// Reads the kernel's list of networks into an array that the caller owns.
 #pragma once
 
 #include <libmnl/libmnl.h>
@@ -15,8 +15,9 @@ struct wifi_scan_results {
     int32_t count;     // networks seen, stored or not
 };
 
-// Takes one message of an exchange on `commands`, whose context is a wifi_scan_results.
+// Handles one message of an exchange on `commands`, whose context is a wifi_scan_results.
 int wifi_on_scan_result(const nlmsghdr* message, void* data);
 
-// Reads the list into the channel's context, a wifi_scan_results. Returns what the exchange gives.
+// Reads the list into the channel's context, a wifi_scan_results. Returns the result of the
+// exchange.
 int wifi_dump_scan(wifi_channel& commands);

@@ -6,6 +6,7 @@
 #include "console-manager/wifi.h"
 #include "wifi/attribute_validation.h"
 #include "wifi/channel.h"
+#include "wifi/report.h"
 #include "wifi/scan_results.h"
 
 static_assert(sizeof(wifi_station_record) == 56 && offsetof(wifi_station_record, bssid) == 0 &&
@@ -20,31 +21,31 @@ namespace {
 
 constexpr uint32_t kMaxStationAttribute = 42;
 
-// Takes one message of an exchange whose context is the caller's record.
+// Handles one message of an exchange whose context is the caller's record.
 int wifi_on_station(const nlmsghdr* message, void* data) {
     if (wifi_command_of(message) != NL80211_CMD_NEW_STATION) {
-        wifi_report_ignored(message);
+        wifi_report_ignored("command", message);
         return MNL_CB_OK;
     }
     const auto slots =
         parseMessage<kMaxMessageAttribute>(message, NL80211_CMD_NEW_STATION_VALIDATION);
-    if (slots[NL80211_ATTR_STA_INFO] == nullptr) {
+    if (std::get<NL80211_ATTR_STA_INFO>(slots) == nullptr) {
         return MNL_CB_OK;
     }
-    const auto info =
-        parseNest<kMaxStationAttribute>(slots[NL80211_ATTR_STA_INFO], NL80211_STA_INFO_VALIDATION);
+    const auto info = parseNest<kMaxStationAttribute>(std::get<NL80211_ATTR_STA_INFO>(slots),
+                                                      NL80211_STA_INFO_VALIDATION);
     auto& station = *static_cast<wifi_station_record*>(static_cast<wifi_channel*>(data)->context);
-    // The kernel sends signed figures as bytes.
-    if (const nlattr* const signal = info[NL80211_STA_INFO_SIGNAL]) {
+    // The kernel sends signed values in unsigned attributes.
+    if (const nlattr* const signal = std::get<NL80211_STA_INFO_SIGNAL>(info)) {
         station.signal_dbm = static_cast<int8_t>(mnl_attr_get_u8(signal));
     }
-    if (const nlattr* const average = info[NL80211_STA_INFO_SIGNAL_AVG]) {
+    if (const nlattr* const average = std::get<NL80211_STA_INFO_SIGNAL_AVG>(info)) {
         station.signal_avg_dbm = static_cast<int8_t>(mnl_attr_get_u8(average));
     }
-    if (const nlattr* const received = info[NL80211_STA_INFO_RX_PACKETS]) {
+    if (const nlattr* const received = std::get<NL80211_STA_INFO_RX_PACKETS>(info)) {
         station.rx_packets = mnl_attr_get_u32(received);
     }
-    if (const nlattr* const sent = info[NL80211_STA_INFO_TX_PACKETS]) {
+    if (const nlattr* const sent = std::get<NL80211_STA_INFO_TX_PACKETS>(info)) {
         station.tx_packets = mnl_attr_get_u32(sent);
     }
     return MNL_CB_OK;
@@ -54,7 +55,7 @@ int wifi_on_station(const nlmsghdr* message, void* data) {
 
 int32_t wifi_scan_station(wifi_data* wifi, wifi_station_record* station) {
     wifi_channel& commands = wifi->commands;
-    // Room for one network: the one that the interface belongs to, else the first.
+    // With room for one network this is the joined one or, without one, the first.
     wifi_bss_record bss{};
     wifi_scan_results results{&bss, 1, 0};
     commands.context = &results;
@@ -67,7 +68,7 @@ int32_t wifi_scan_station(wifi_data* wifi, wifi_station_record* station) {
                                                              NL80211_CMD_GET_STATION);
     mnl_attr_put(request, NL80211_ATTR_MAC, sizeof bss.bssid, bss.bssid);
     wifi_channel_send(request, commands.socket);
-    // The kernel refuses for a network that the interface doesn't belong to: no figures then.
+    // If the interface hasn't joined this network, the kernel refuses and sends no figures.
     wifi_channel_exchange(commands, wifi_on_station);
     std::memcpy(station->bssid, bss.bssid, sizeof station->bssid);
     std::memcpy(station->ssid, bss.ssid, sizeof station->ssid);

@@ -12,8 +12,8 @@ static_assert(sizeof(CML_WifiStatus) == sizeof(void*) + (sizeof(void*) == 4 ? 12
 
 namespace {
 
-// Told from the traffic, not from the status: a link over which nothing has gone is none. Neither
-// is one with a signal of exactly +1, whatever has gone over it.
+// Looks at the traffic, not at the status: a link without packets doesn't count, and neither does
+// one with a signal of exactly +1.
 bool isConnected(const wifi_station_record& station) {
     return station.signal_dbm != 1 && (station.rx_packets != 0 || station.tx_packets != 0);
 }

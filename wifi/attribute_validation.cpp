@@ -52,9 +52,25 @@ TABLE(NL80211_STA_INFO_VALIDATION) = {
 
 namespace {
 
+// Returns whether the length alone shows that the rule holds, as for nearly all attributes. Others
+// are left to libmnl, whose calls take longer.
+bool lengthFits(const wifi_attribute_rule& rule, size_t length) {
+    switch (rule.type) {
+        case MNL_TYPE_U32:
+            return length == sizeof(uint32_t);
+        case MNL_TYPE_NESTED:
+            return length >= sizeof(nlattr);
+        case MNL_TYPE_BINARY:
+            return rule.length == 0 || length == rule.length;
+        default:
+            return false;
+    }
+}
+
 bool holds(const wifi_attribute_rule& rule, const nlattr* attribute) {
     const auto type = static_cast<mnl_attr_data_type>(rule.type);
-    return (rule.length != 0 ? mnl_attr_validate2(attribute, type, rule.length)
+    return lengthFits(rule, attribute->nla_len - sizeof(nlattr)) ||
+           (rule.length != 0 ? mnl_attr_validate2(attribute, type, rule.length)
                              : mnl_attr_validate(attribute, type)) >= 0;
 }
 
@@ -62,8 +78,8 @@ bool holds(const wifi_attribute_rule& rule, const nlattr* attribute) {
 
 int wifi_validate_attribute(const nlattr* attribute, void* data) {
     const auto& set = *static_cast<wifi_attribute_set*>(data);
-    const uint16_t number = mnl_attr_get_type(attribute);
-    if (mnl_attr_type_valid(attribute, static_cast<uint16_t>(set.max_type)) < 0) {
+    const auto number = static_cast<uint16_t>(attribute->nla_type & NLA_TYPE_MASK);
+    if (number > set.max_type) {
         return MNL_CB_OK;
     }
     for (const auto& rule : std::span(set.rules, static_cast<size_t>(set.rule_count))) {

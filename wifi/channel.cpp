@@ -64,6 +64,8 @@ int wifi_channel_open(wifi_channel& channel, const char* interface) {
     if (channel.socket == nullptr) {
         wifi_fatal_errno("mnl_socket_open");
     }
+    // mnl_socket_open can't set the flag itself.
+    fcntl(mnl_socket_get_fd(channel.socket), F_SETFD, FD_CLOEXEC);
     if (mnl_socket_bind(channel.socket, 0, MNL_SOCKET_AUTOPID) < 0) {
         wifi_fatal_errno("mnl_socket_bind");
     }

@@ -20,6 +20,7 @@ struct wifi_channel {
 struct wifi_data {
     wifi_channel notifications;  // a member of nl80211's scan group
     wifi_channel commands;       // carries every nl80211 request
+    bool port_scans;             // a notification began a scan of this port, and none ended it yet
 };
 
 // Returns the size of a channel's buffer, which is the most that the kernel puts into one datagram.

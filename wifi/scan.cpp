@@ -17,6 +17,7 @@ struct wifi_notification_flags {
     uint32_t scan_triggered = 0;    // a scan of this port is running
     uint32_t others_triggered = 0;  // number of other ports with a running scan
     uint32_t scan_aborted = 0;      // a scan of this port was given up
+    bool* port_scans;               // of the handle
 };
 
 int takeInterface(const nlattr* attribute, void* index) {
@@ -37,8 +38,16 @@ bool isOwn(const nlmsghdr* message, const wifi_channel& channel) {
 void noteTrigger(bool own, wifi_notification_flags& flags) {
     if (own) {
         flags.scan_triggered = 1;
+        *flags.port_scans = true;
     } else {
         ++flags.others_triggered;
+    }
+}
+
+void noteResults(bool own, wifi_notification_flags& flags) {
+    flags.new_scan_results = 1;
+    if (own) {
+        *flags.port_scans = false;
     }
 }
 
@@ -46,6 +55,7 @@ void noteAbort(bool own, wifi_notification_flags& flags) {
     if (own) {
         flags.scan_triggered = 0;
         flags.scan_aborted = 1;
+        *flags.port_scans = false;
     } else if (flags.others_triggered > 0) {  // else it began before the handle was opened
         --flags.others_triggered;
     }
@@ -62,7 +72,7 @@ int wifi_on_notification(const nlmsghdr* message, void* data) {
         case NL80211_CMD_NEW_SCAN_RESULTS:
             // Only a notification from the kernel counts.
             if (message->nlmsg_pid == 0 && message->nlmsg_seq == 0) {
-                flags.new_scan_results = 1;
+                noteResults(own, flags);
             }
             return MNL_CB_OK;
         case NL80211_CMD_SCAN_ABORTED:
@@ -115,9 +125,10 @@ bool startScan(wifi_data& wifi, wifi_notification_flags& flags) {
     if (errno != EBUSY) {
         return false;
     }
-    // Somebody else may have started the port's scan since the last look: the kernel sends the
-    // notification of that before it refuses.
+    // A scan that makes the radio busy is this port's if its notification was read in an earlier
+    // call, or was queued since the last look: the kernel sends it before it refuses.
     ReadPastNotificationsNonBlocking(wifi.notifications);
+    flags.scan_triggered = wifi.port_scans ? 1 : 0;
     return flags.scan_triggered != 0 || flags.new_scan_results != 0;
 }
 
@@ -150,7 +161,7 @@ bool waitForResults(wifi_data& wifi, wifi_notification_flags& flags) {
 }  // namespace
 
 int32_t wifi_scan_all(wifi_data* wifi, wifi_bss_record* records, int32_t capacity) {
-    wifi_notification_flags flags;
+    wifi_notification_flags flags{.port_scans = &wifi->port_scans};
     wifi_scan_results results{records, capacity, 0};
     wifi->notifications.context = &flags;
     wifi->commands.context = &results;

@@ -128,6 +128,8 @@ int wifi_channel_exchange(wifi_channel& channel, mnl_cb_t callback) {
                                : wifi_channel_run(channel, static_cast<size_t>(received),
                                                   channel.sequence, port, callback);
     } while (result > 0);
+    // libmnl's result for a message with NLM_F_DUMP_INTR.
+    channel.interrupted = received > 0 && result < 0 && errno == EINTR;
     if (result < 0) {
         dropReplies(channel);
     }

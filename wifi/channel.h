@@ -15,6 +15,7 @@ struct wifi_channel {
     uint32_t interface_index;
     uint32_t sequence;  // nlmsg_seq of the next exchange
     void* context;      // what the callback of the current exchange works on
+    bool interrupted;   // the last exchange failed because the list changed while it was read
 };
 
 struct wifi_data {

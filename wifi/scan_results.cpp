@@ -2,6 +2,7 @@
 
 #include <linux/nl80211.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -78,6 +79,24 @@ void fillElement(const Slots<kMaxBssAttribute>& bss, int32_t status, wifi_bss_re
     record.status = status;
 }
 
+// Takes back what an interrupted dump stored: a figure that the next one lacks must not be that of
+// another network. Element 0 becomes what it was, the others zero, as there is no copy of them.
+void startAgain(wifi_scan_results& results, const wifi_bss_record& first) {
+    const int32_t stored = std::min(results.count, results.capacity);
+    if (stored > 0) {
+        std::fill_n(results.records, stored, wifi_bss_record{});
+        results.records[0] = first;
+    }
+    results.count = 0;
+}
+
+int requestList(wifi_channel& commands) {
+    nlmsghdr* const request = wifi_prepare_interface_request(
+        commands, NLM_F_REQUEST | NLM_F_ACK | NLM_F_DUMP, NL80211_CMD_GET_SCAN);
+    wifi_channel_send(request, commands.socket);
+    return wifi_channel_exchange(commands, wifi_on_scan_result);
+}
+
 }  // namespace
 
 int wifi_on_scan_result(const nlmsghdr* message, void* data) {
@@ -106,8 +125,13 @@ int wifi_on_scan_result(const nlmsghdr* message, void* data) {
 }
 
 int wifi_dump_scan(wifi_channel& commands) {
-    nlmsghdr* const request = wifi_prepare_interface_request(
-        commands, NLM_F_REQUEST | NLM_F_ACK | NLM_F_DUMP, NL80211_CMD_GET_SCAN);
-    wifi_channel_send(request, commands.socket);
-    return wifi_channel_exchange(commands, wifi_on_scan_result);
+    constexpr int kMostRepetitions = 10;
+    auto& results = *static_cast<wifi_scan_results*>(commands.context);
+    const wifi_bss_record first = results.capacity > 0 ? results.records[0] : wifi_bss_record{};
+    int result = requestList(commands);
+    for (int i = 0; commands.interrupted && i < kMostRepetitions; ++i) {
+        startAgain(results, first);
+        result = requestList(commands);
+    }
+    return result;
 }

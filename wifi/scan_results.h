@@ -18,6 +18,6 @@ struct wifi_scan_results {
 // Handles one message of an exchange on `commands`, whose context is a wifi_scan_results.
 int wifi_on_scan_result(const nlmsghdr* message, void* data);
 
-// Reads the list into the channel's context, a wifi_scan_results. Returns the result of the
-// exchange.
+// Reads the list into the channel's context, a wifi_scan_results with a count of 0. Starts again,
+// at most ten times, if the list changes while it's read. Returns the result of the last exchange.
 int wifi_dump_scan(wifi_channel& commands);

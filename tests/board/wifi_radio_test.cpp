@@ -1,49 +1,14 @@
-// The Wi-Fi functions against nl80211 with the kernel's simulated radios, beside what `iw` tells of
-// them. Each test loads the radios anew, and so runs on the emulated board only.
-#include <dlfcn.h>
-#include <fcntl.h>
-#include <libmnl/libmnl.h>
-#include <linux/nl80211.h>
-
+// The Wi-Fi functions against nl80211 with the kernel's simulated radios, compared with `iw`. Each
+// test loads the radios anew, and so runs on the emulated board only.
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdio>
+#include <map>
 #include <sstream>
 
 #include "console-manager/wifi.h"
 #include "support/sandbox.h"
 #include "wifi/handle.h"
-
-// Commands, each run once: when the library has found no notification and is about to start a scan,
-// and when it is about to wait for one.
-static std::string beforeItScans;
-static std::string beforeItWaits;
-
-static void runOnce(std::string& command) {
-    const int failure = errno;
-    if (!command.empty()) {
-        EXPECT_EQ(std::system(command.c_str()), 0);
-    }
-    command.clear();
-    errno = failure;
-}
-
-extern "C" ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size) {
-    static const auto next =
-        reinterpret_cast<decltype(&mnl_socket_recvfrom)>(dlsym(RTLD_NEXT, "mnl_socket_recvfrom"));
-    static const mnl_socket* notifying = nullptr;  // the one that doesn't always wait
-    const bool waits = (fcntl(mnl_socket_get_fd(socket), F_GETFL) & O_NONBLOCK) == 0;
-    if (waits && socket == notifying) {
-        runOnce(beforeItWaits);
-    }
-    const ssize_t received = next(socket, buffer, size);
-    if (!waits && received < 0) {
-        notifying = socket;
-        runOnce(beforeItScans);
-    }
-    return received;
-}
 
 namespace {
 
@@ -55,7 +20,7 @@ std::string bssidText(const uint8_t (&bssid)[6]) {
 }
 
 // wlan0 is the console's port, and wlan4 another one; wlan1 to wlan3 are access points, the last
-// one without its name in the air.
+// one with a hidden name.
 class Radios : public Sandbox {
   protected:
     void SetUp() override {
@@ -63,19 +28,31 @@ class Radios : public Sandbox {
         std::string files;
         for (const std::string own : {"wlan1\nssid=depot\nchannel=1", "wlan2\nssid=yard\nchannel=6",
                                       "wlan3\nchannel=11\nssid=secret\nignore_broadcast_ssid=1"}) {
-            files += " /tmp/" + own.substr(0, 5);
-            // Several beacons in the time for which a scan listens on a channel.
-            writeFile("/tmp/" + own.substr(0, 5),
-                      "driver=nl80211\nbeacon_int=25\ninterface=" + own + "\n");
+            const std::string name = own.substr(0, 5);
+            // A scan listens on a channel for one beacon or, of a few networks, for several.
+            std::string content = "driver=nl80211\ninterface=" + own +
+                                  "\nbeacon_int=" + (others == 0 ? "25" : "100") + "\n";
+            for (int i = 0; i < others; ++i) {
+                const std::string other = name + "_" + std::to_string(i);
+                content += "bss=" + other + "\nssid=" + other + "\n";
+            }
+            files += " /tmp/" + name;
+            writeFile("/tmp/" + name, content);
         }
-        // It comes back when all access points are on the air.
+        // It returns when all access points are on the air.
         run("hostapd -B -P /tmp/pid" + files +
             " >/tmp/log && ip link set wlan0 up && ip link set wlan4 up");
         wifi.reset(wifi_scan_init("wlan0"));
     }
     void TearDown() override {
-        run("p=$(cat /tmp/pid); kill $p; while test -e /proc/$p; do :; done; "
-            "rmmod mac80211_hwsim mac80211 cfg80211");
+        writeFile("/tmp/stop", "");
+        run("p=$(cat /tmp/pid); kill $p; while test -e /proc/$p || pgrep iw; do :; done; "
+            "rm /tmp/stop; rmmod mac80211_hwsim mac80211 cfg80211");
+    }
+
+    // Runs a command again and again, in another program, until the test ends.
+    static void keepRunning(const std::string& command) {
+        run("while test ! -e /tmp/stop; do " + command + "; done >/dev/null 2>&1 &");
     }
 
     static std::string wifiStatus(const char* port) {
@@ -112,6 +89,7 @@ class Radios : public Sandbox {
         return figures;
     }
 
+    int others = 0;  // networks of each access point in addition to the first
     Handle wifi;
     std::array<wifi_bss_record, 3> records{};
     wifi_station_record station{{}, "", 7, 7, 7, 7, 7};
@@ -177,30 +155,43 @@ TEST_F(Radios, APortWithoutALinkHasNoFigures) {
     EXPECT_EQ(station.rx_packets, 7U);
 }
 
-TEST_F(Radios, APortTakenDownEndsTheScan) {
-    beforeItWaits = "ip link set wlan0 down";
-    EXPECT_EQ(wifi_scan_all(wifi.get(), records.data(), 3), -1);
-    EXPECT_EQ(beforeItWaits, "") << "no scan had started";
-    run("ip link set wlan0 up");
+TEST_F(Radios, OnlyThisPortsScanThatIsGivenUpEndsTheCall) {
+    keepRunning("iw dev wlan4 scan trigger && iw dev wlan4 scan abort");
     scan();
+    scan();
+    keepRunning("iw dev wlan0 scan abort");
+    EXPECT_EQ(wifi_scan_all(wifi.get(), records.data(), 3), -1);
 }
 
-TEST_F(Radios, AScanOfAnotherPortThatIsGivenUpDoesNotEndThisOne) {
-    const std::string another = "ip link set wlan4 up && iw dev wlan4 scan trigger",
-                      givenUp = " && ip link set wlan4 down", begun = "iw dev wlan0 scan trigger";
-    const std::array<std::string, 3> situations[] = {
-        {"", "", another + givenUp},                   // in the wait for its own
-        {begun + " && " + another + givenUp, "", ""},  // before the call, beside the port's own
-        {another, "", "true" + givenUp},               // in the wait for that one alone
-        {"", begun, ""},                               // none, but the port's own began meanwhile
-    };
-    for (const auto& [before, beforeScan, beforeWait] : situations) {
-        run(before);
-        beforeItScans = beforeScan;
-        beforeItWaits = beforeWait;
-        scan();
-        EXPECT_EQ(beforeItScans + beforeItWaits, "");
+class Crowd : public Radios {
+  protected:
+    Crowd() { others = 16; }
+};
+
+TEST_F(Crowd, AnswersStayTrueWhileAnotherProgramScans) {
+    const std::string shown = "iw dev wlan0 scan dump | grep -c ^BSS",
+                      trigger = "iw dev wlan0 scan trigger freq 2412 2437 2462";
+    // Joins one of the last networks, which a list that breaks off lacks.
+    run("until test $(" + shown + ") = 51; do " + trigger +
+        "; done; iw dev wlan0 scan abort; iw dev wlan0 connect -w wlan3_15");
+    keepRunning(trigger);
+    std::map<std::string, int> answers;
+    for (int i = 0; i < 600; ++i) {
+        CML_WifiStatus status{};
+        CML_getWifiStatus("wlan0", &status);
+        wifi_scan_station(wifi.get(), &station);
+        ++answers[joined(status.ssid, status.signalDbm, station.ssid, station.status)];
     }
+    EXPECT_EQ(answers, (std::map<std::string, int>{{"wlan3_15 -30 wlan3_15 1", 600}}));
+    // Two lists at once: the first often reads the end of a scan and the beginning of the next.
+    for (int i = 0; i < 10; ++i) {
+        const int count = std::stoi(run(shown));
+        EXPECT_GE(wifi_scan_all(wifi.get(), records.data(), 1), count);
+        EXPECT_GE(wifi_scan_all(wifi.get(), records.data(), 1), count);
+        EXPECT_STREQ(records[0].ssid, "wlan3_15");
+    }
+    EXPECT_EQ(run("ls -l /proc/self/fd").find("socket"), std::string::npos)
+        << "a started program has a socket of the handle";
 }
 
 }  // namespace

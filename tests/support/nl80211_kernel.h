@@ -1,6 +1,6 @@
-// A kernel with nl80211, played: it defines libmnl's socket functions and if_nametoindex for the
-// program whose one source includes this, records what the library sends, and answers from a
-// script. libmnl's message code stays real.
+// Plays a kernel with nl80211: defines libmnl's socket functions and if_nametoindex for the program
+// whose only source includes this, records what the library sends, and replies from a script.
+// libmnl's message code is the real one.
 #pragma once
 
 #include <dlfcn.h>
@@ -13,9 +13,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstddef>
 #include <deque>
 #include <map>
 #include <span>
@@ -27,44 +25,40 @@
 
 using Datagrams = std::deque<std::string>;
 
-// Its messages.
+// Messages of the kernel.
 namespace nl80211 {
 
 constexpr uint16_t kFamily = 28;
-constexpr uint32_t kOfRequest = 0xffffffff;  // sequence and port of whatever request is answered
+constexpr uint32_t kOfRequest = 0xffffffff;  // replaced by the sequence and port of the request
 
-inline std::string message(uint16_t type, const std::string& payload,
+inline std::string message(uint16_t type, const std::string& payload, uint16_t flags = 0,
                            uint32_t sequence = kOfRequest, uint32_t port = kOfRequest) {
     const auto length = static_cast<uint32_t>(sizeof(nlmsghdr) + payload.size());
-    return bytes(nlmsghdr{length, type, 0, sequence, port}) + payload;
+    return bytes(nlmsghdr{length, type, flags, sequence, port}) + payload;
 }
 inline std::string reply(uint8_t command, const std::string& attributes, uint16_t type = kFamily) {
     return message(type, bytes(genlmsghdr{command, 1, 0}) + attributes);
 }
-inline std::string notification(uint8_t command, uint32_t sequence = 0, uint32_t port = 0,
-                                const std::string& attributes = "") {
-    return message(kFamily, bytes(genlmsghdr{command, 1, 0}) + attributes, sequence, port);
-}
-// What the kernel tells of a port's scan.
-inline std::string notificationOf(uint32_t port, uint8_t command) {
-    return notification(command, 0, 0, attribute(NL80211_ATTR_IFINDEX, u32(port)));
+inline std::string notification(uint8_t command, const std::string& attributes = "",
+                                uint32_t sequence = 0, uint32_t port = 0) {
+    return message(kFamily, bytes(genlmsghdr{command, 1, 0}) + attributes, 0, sequence, port);
 }
 constexpr auto acknowledgement = [](int error = 0) {
     return message(NLMSG_ERROR, bytes(nlmsgerr{error, {}}));
 };
 constexpr auto done = [] { return message(NLMSG_DONE, u32(0)); };
+// The end of a dump whose list changed meanwhile.
+constexpr auto interrupted = [] { return message(NLMSG_DONE, u32(0), NLM_F_DUMP_INTR); };
 
-// What the controller knows: a family with the attributes of its groups, and one group.
-inline std::string family(const std::string& groups) {
+// The controller's reply about a family with the given id and groups.
+inline std::string family(const std::string& groups, const std::string& id = u16(kFamily)) {
     return reply(CTRL_CMD_NEWFAMILY,
-                 attribute(CTRL_ATTR_FAMILY_NAME, std::string("nl80211\0", 8)) +
-                     attribute(CTRL_ATTR_FAMILY_ID, u16(kFamily)) +
-                     attribute(CTRL_ATTR_MCAST_GROUPS, groups),
+                 attribute(CTRL_ATTR_FAMILY_ID, id) + attribute(CTRL_ATTR_MCAST_GROUPS, groups),
                  GENL_ID_CTRL);
 }
-inline std::string group(const std::string& name, uint32_t id) {
-    return attribute(1, attribute(CTRL_ATTR_MCAST_GRP_ID, u32(id)) +
-                            attribute(CTRL_ATTR_MCAST_GRP_NAME, name + '\0'));
+inline std::string group(const std::string& name, const std::string& id) {
+    return attribute(
+        1, attribute(CTRL_ATTR_MCAST_GRP_ID, id) + attribute(CTRL_ATTR_MCAST_GRP_NAME, name));
 }
 
 // One network of a scan, from the attributes of its BSS, and the figures of a link.
@@ -84,8 +78,8 @@ inline std::string ssid(const std::string& name) {
     return elements('\0' + u8(static_cast<uint8_t>(name.size())) + name + "\x01\x01\x02");
 }
 
-// A dump of networks by number, each with its status behind a colon if it has one: "1 2:1 3". All
-// that is told of a network follows from its number.
+// A dump of networks by number, each with its status after a colon if it has one: "1 2:1 3". All
+// attributes of a network follow from its number.
 inline Datagrams networks(const std::string& list) {
     Datagrams dump;
     std::istringstream words(list);
@@ -103,25 +97,13 @@ inline Datagrams networks(const std::string& list) {
     return dump;
 }
 
-inline std::string answerTo(uint32_t sequence, uint32_t port, std::string datagram) {
-    nlmsghdr head;
-    for (size_t at = 0; at + sizeof head <= datagram.size();
-         at += std::max(aligned(head.nlmsg_len), sizeof head)) {
-        std::memcpy(&head, datagram.data() + at, sizeof head);
-        if (head.nlmsg_seq == kOfRequest) {
-            datagram.replace(at + offsetof(nlmsghdr, nlmsg_seq), 8, u32(sequence) + u32(port));
-        }
-    }
-    return datagram;
-}
-
 // In place of a datagram: a receive that fails.
 constexpr auto failure = [](int error) { return std::string(1, static_cast<char>(error)); };
 
 }  // namespace nl80211
 
 struct mnl_socket {
-    int descriptor;  // any whose mode can be switched
+    int descriptor;  // any that has a mode and flags
     unsigned port;
     Datagrams queue;
 
@@ -130,25 +112,29 @@ struct mnl_socket {
 
 inline struct Nl80211Kernel {
     // The script.
-    std::map<int, Datagrams> on;  // the answer to each command
+    std::deque<Datagrams> dumps;  // the replies to the first dumps, before on[NL80211_CMD_GET_SCAN]
+    std::map<int, Datagrams> on;  // the reply to each command
     Datagrams notifications;      // wait on the first socket of a handle
-    Datagrams later;              // the same, but come when a scan has been triggered
+    Datagrams later;              // the same, but sent when a scan was triggered
 
-    // What was seen since there was no socket open.
+    // What the library did since it had no socket open.
     std::vector<std::string> sent;  // requests, in hexadecimal digits
-    std::string commands;           // their commands and numbers: "33/1 32/2 "
+    std::string commands;           // their commands: "33 32 "
     int openSockets = 0;
     uint32_t joinedGroup = 0;
     mnl_socket* notifying = nullptr;  // the first socket of a handle
-    mnl_socket* commanded = nullptr;  // the one that was sent a request last
+    mnl_socket* commanded = nullptr;  // the one that the last request was sent on
 
-    // A kernel that knows nl80211 and its scan group, and answers with no more than its
-    // acknowledgement.
+    // Knows nl80211 and its scan group, and replies with acknowledgements only. Of the groups with
+    // nearly that name, one begins with it, one precedes the right one, and one lacks its NUL.
     void reset() {
         using namespace nl80211;
         *this = {};
-        on[CTRL_CMD_GETFAMILY] = {family(group("config", 5) + group("scan", 6) + group("mlme", 8)),
-                                  acknowledgement()};
+        on[CTRL_CMD_GETFAMILY] = {
+            family(group(std::string("scan\0", 5), u32(5)) +
+                   group(std::string("scan\0", 5), u32(6)) +
+                   group(std::string("scans\0", 6), u32(8)) + group("scan", u32(9))),
+            acknowledgement()};
         on[NL80211_CMD_TRIGGER_SCAN] = {acknowledgement()};
         on[NL80211_CMD_GET_SCAN] = {done()};
         on[NL80211_CMD_GET_STATION] = {acknowledgement()};
@@ -162,7 +148,7 @@ inline struct Nl80211Kernel {
         return true;
     }
 
-    // Takes a request, and queues the answer with the sequence and port of that request.
+    // Receives a request, and queues the reply with the sequence and port of that request.
     void take(mnl_socket* socket, const uint8_t* request, size_t size) {
         const auto& head = *reinterpret_cast<const nlmsghdr*>(request);
         const int command = request[sizeof head];
@@ -170,10 +156,17 @@ inline struct Nl80211Kernel {
         for (const uint8_t byte : std::span(request, size)) {
             sent.back() += {"0123456789abcdef"[byte / 16], "0123456789abcdef"[byte % 16]};
         }
-        commands += std::to_string(command) + "/" + std::to_string(head.nlmsg_seq) + " ";
+        commands += std::to_string(command) + " ";
         commanded = socket;
-        for (const std::string& datagram : on[command]) {
-            socket->queue.push_back(nl80211::answerTo(head.nlmsg_seq, socket->port, datagram));
+        const bool first = command == NL80211_CMD_GET_SCAN && !dumps.empty();
+        for (std::string datagram : first ? dumps.front() : on[command]) {
+            for (size_t at; (at = datagram.find(std::string(8, '\xff'))) != std::string::npos;) {
+                datagram.replace(at, 8, u32(head.nlmsg_seq) + u32(socket->port));
+            }
+            socket->queue.push_back(datagram);
+        }
+        if (first) {
+            dumps.pop_front();
         }
         if (command == NL80211_CMD_TRIGGER_SCAN) {
             notifications.insert(notifications.end(), later.begin(), later.end());
@@ -200,14 +193,16 @@ mnl_socket* mnl_socket_open(int bus) {
         std::exchange(kernel.sent, {});
         std::exchange(kernel.commands, {});
     }
-    const int descriptor = eventfd(0, EFD_CLOEXEC);
-    auto* const opened = new mnl_socket{descriptor, 1000u + unsigned(kernel.openSockets), {}};
+    auto* const opened = new mnl_socket{eventfd(0, 0), 1000u + unsigned(kernel.openSockets), {}};
     kernel.notifying = ++kernel.openSockets % 2 == 1 ? opened : kernel.notifying;
     return opened;
 }
 
-int mnl_socket_bind(mnl_socket*, unsigned groups, pid_t port) {
-    return kernel.fails("mnl_socket_bind") || groups != 0 || port != 0 ? -1 : 0;
+int mnl_socket_bind(mnl_socket* socket, unsigned groups, pid_t port) {
+    const bool fails = kernel.fails("mnl_socket_bind");
+    const Within test(false);
+    // By now no program that the process starts may inherit the socket.
+    return fails || groups != 0 || port != 0 || fcntl(socket->descriptor, F_GETFD) != 1 ? -1 : 0;
 }
 
 int mnl_socket_close(mnl_socket* socket) {
@@ -218,7 +213,7 @@ int mnl_socket_close(mnl_socket* socket) {
 }
 
 int mnl_socket_get_fd(const mnl_socket* socket) {
-    // A descriptor of this kind tells its flags, but doesn't let them be changed.
+    // The flags of a descriptor of this kind can be read, but not changed.
     return kernel.fails("F_SETFL")   ? open("/", O_PATH | O_CLOEXEC)
            : kernel.fails("F_GETFL") ? -1
                                      : socket->descriptor;
@@ -263,20 +258,14 @@ ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size)
     return errno == 0 ? static_cast<ssize_t>(datagram.copy(static_cast<char*>(buffer), size)) : -1;
 }
 
-// For what is left of an answer; a receive that waits is another socket's, and real.
+// Plays the reading of the rest of a reply. A receive that waits is for another socket, and real.
 ssize_t recv(int descriptor, void* buffer, size_t size, int flags) {
     static const auto next = reinterpret_cast<decltype(&recv)>(dlsym(RTLD_NEXT, "recv"));
-    if (kernel.fails("recv")) {
+    if (kernel.fails("recv") || (flags == MSG_DONTWAIT && kernel.commanded->queue.empty())) {
         return -1;
     }
-    if (flags != MSG_DONTWAIT) {
-        return next(descriptor, buffer, size, flags);
-    }
-    mnl_socket* const socket = kernel.commanded;
-    errno = EAGAIN;
-    return descriptor != socket->descriptor || socket->queue.empty()
-               ? -1
-               : mnl_socket_recvfrom(socket, buffer, size);
+    return flags == MSG_DONTWAIT ? mnl_socket_recvfrom(kernel.commanded, buffer, size)
+                                 : next(descriptor, buffer, size, flags);
 }
 
 }  // extern "C"

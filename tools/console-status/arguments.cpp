@@ -10,10 +10,13 @@
 namespace {
 
 constexpr Option kOptions[] = {
-    {'j', "json", "", "write JSON"},
+    {'j', "json", "", "write JSON; --json=compact in one line"},
     {'w', "watch", "SECONDS", "repeat every SECONDS until interrupted"},
     {'p', "port", "PORT", "the port to send from"},
     {'t', "timeout", "SECONDS", "time limit, 2 by default"},
+    {'o', "output", "FILE", "write into FILE, replaced as a whole"},
+    {'s', "stored", "", "only what is stored"},
+    {'n', "dry-run", "", "print what would change"},
     {'y', "yes", "", "do not ask for confirmation"},
     {'h', "help", "", "show help"},
     {'V', "version", "", "show the version"},
@@ -58,7 +61,8 @@ Arguments parse(int count, char** words) {
     for (const Option& each : kOptions) {
         const int takes = *each.argument != '\0' ? required_argument : no_argument;
         letters += each.letter + std::string(takes == required_argument ? ":" : "");
-        names.push_back({each.name, takes, nullptr, each.letter});
+        const bool isJson = each.letter == 'j';  // --json=compact
+        names.push_back({each.name, isJson ? optional_argument : takes, nullptr, each.letter});
     }
     names.push_back({});
     Arguments arguments;
@@ -71,6 +75,9 @@ Arguments parse(int count, char** words) {
             isNegative ? -1 : getopt_long(count, words, letters.c_str(), names.data(), nullptr);
         if (letter == '?' || letter == ':') {
             refuse(letter, word);
+        }
+        if (letter == 'j' && optarg != nullptr && optarg != std::string("compact")) {
+            throw UsageError("--json takes compact or nothing, not " + quoted(optarg));
         }
         if (letter != -1) {
             arguments.options[static_cast<char>(letter)] = optarg != nullptr ? optarg : "";

@@ -12,19 +12,23 @@ namespace {
 int help(const Arguments& arguments);
 
 constexpr Command kCommands[] = {
-    {"settings", "", "jw", "all settings and lists", reportSections},
+    {"settings", "", "jsw", "all settings and lists", reportSections},
     {"device", "", "jw", "software, load, memory and storage", reportSections},
-    {"ports", "", "jw", "the network ports", reportSections},
+    {"ports", "[PORT]...", "jw", "the network ports", reportSections},
     {"wifi", "", "jw", "the links of the wireless ports", reportSections},
     {"get", "NAME [NODE]", "j", "print a value", useSetting},
     {"set", "NAME [NODE] VALUE", "", "store a value; makes the node", useSetting},
     {"reset", "NAME [NODE]", "", "remove a value, so that the default holds", useSetting},
-    {"list", "LIST", "j", "print the nodes of a list", useSetting},
+    {"list", "[LIST]", "j", "print the nodes of a list, or of all", useSetting},
     {"remove", "LIST NODE", "", "remove a node with its value", useSetting},
     {"clear", "LIST", "", "remove all nodes of a list", useSetting},
+    {"describe", "NAME", "j", "print what a setting means", describeSetting},
+    {"export", "", "o", "print all that is stored, as JSON", exportSettings},
+    {"import", "[FILE]", "n", "store what export has printed", importSettings},
     {"factory-reset", "", "y", "remove all values of settings and lists", resetAll},
     {"scan", "PORT", "j", "print the Wi-Fi networks in range", scanWifi},
     {"ping", "HOST", "jpt", "check whether a host answers", pingHost},
+    {"metrics", "", "o", "print figures for Prometheus", printMetrics},
     {"help", "[COMMAND]", "", "show help", help},
 };
 constexpr Command kReport = {"the report", "", "jw", "", reportSections};
@@ -89,7 +93,7 @@ void check(const Command& command, const Arguments& arguments) {
     const auto most = std::ranges::count(wanted, ' ') + (wanted.empty() ? 0 : 1);
     const auto least = most - std::ranges::count(wanted, '[');
     const auto given = std::max<std::ptrdiff_t>(std::ssize(arguments.words) - 1, 0);
-    if (given < least || given > most) {
+    if (given < least || (given > most && !wanted.ends_with("..."))) {
         throw UsageError(name + " takes " + (most == 0 ? "no arguments" : wanted));
     }
 }

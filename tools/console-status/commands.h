@@ -35,6 +35,8 @@ struct Arguments {
     }
     // A whole number, at least 1.
     int seconds(char letter, const char* otherwise) const;
+    // Of JSON: -1 for one line.
+    int indent() const { return value('j', "").empty() ? 2 : -1; }
 };
 
 // Options may stand anywhere. A negative number is no option, and "--" ends the options.
@@ -49,6 +51,9 @@ struct Command {
 };
 
 void print(const std::string& text);
+
+// The same, or into the file of --output.
+void writeOutput(const Arguments& arguments, const std::string& text);
 
 // Prints a message on stderr, with "?" for control characters. Returns kFailed.
 int fail(const std::string& message);
@@ -81,5 +86,9 @@ std::string settingsHelp();
 int reportSections(const Arguments& arguments);
 int useSetting(const Arguments& arguments);
 int resetAll(const Arguments& arguments);
+int describeSetting(const Arguments& arguments);
+int exportSettings(const Arguments& arguments);
+int importSettings(const Arguments& arguments);
+int printMetrics(const Arguments& arguments);
 int scanWifi(const Arguments& arguments);
 int pingHost(const Arguments& arguments);

@@ -42,6 +42,7 @@ int pingHost(const Arguments& arguments) {
     const int status = numberOf(said).value_or(-1);
     const int ofPing = WIFEXITED(status) ? WEXITSTATUS(status) : 127;
     const Json result = {{"host", host}, {"available", ofPing > 1 ? Json() : Json(ofPing == 0)}};
-    print(arguments.has('j') ? jsonText(result) : host + " " + outcomeOf(ofPing) + "\n");
+    print(arguments.has('j') ? jsonText(result, arguments.indent())
+                             : host + " " + outcomeOf(ofPing) + "\n");
     return ofPing == 0 ? kDone : kFailed;
 }

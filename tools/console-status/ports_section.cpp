@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 
 #include "commands.h"
@@ -19,7 +20,8 @@ Json counted(int32_t bytes) {
 
 std::string stateOf(const char* port) {
     CML_NetworkPortStatus status;
-    if (CML_getNetworkPortStatus(port, &status) == 0) {
+    // The kernel is asked by the first 15 bytes of a name.
+    if (std::strlen(port) > 15 || CML_getNetworkPortStatus(port, &status) == 0) {
         return "gone";
     }
     return status.running != 0 ? "up" : status.up != 0 ? "no link" : "down";

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "commands.h"
+#include "stored.h"
 #include "table.h"
 
 namespace {
@@ -23,19 +24,22 @@ constexpr size_t kMostHistory = 20;
 // Returns the section that is named, or all. The settings are last, because they may wait for a
 // lock; --watch leaves them out.
 Sections sectionsOf(const Arguments& arguments) {
-    Sections sections = {&kSoftwareSection, &kLoadSection, &kPortsSection, &kWifiSection,
-                         &kSettingsSection};
+    Sections sections = {&kSoftwareSection, &kLoadSection,     &kPortsSection,
+                         &kWifiSection,     &kSettingsSection, &kListsSection};
+    if (arguments.has('s')) {
+        return {&kStoredSection};
+    }
     std::erase_if(sections, [&](const Section* section) {
-        return arguments.words.empty() ? section == &kSettingsSection && arguments.has('w')
+        return arguments.words.empty() ? section == &kListsSection ||
+                                             (section == &kSettingsSection && arguments.has('w'))
                                        : section->name != arguments.words[0];
     });
     return sections;
 }
 
 // Reads the sections, and prints each as soon as it is read if isShown.
-Json readAll(const Sections& sections, bool isShown = false) {
+Json readAll(const Sections& sections, Json ports, bool isShown = false) {
     Json report;
-    Json ports;
     for (const Section* section : sections) {
         if (section->usesPorts && ports.is_null()) {
             ports = portNames();
@@ -58,7 +62,8 @@ std::string showAll(const Sections& sections, const Json& report) {
 int statusOf(const Json& report) {
     const Json flat = report.flatten();
     const bool complete = std::ranges::none_of(flat.items(), [](const auto& item) {
-        return item.key().ends_with("/error") && !item.value().is_null();
+        return (item.key().ends_with("/error") && !item.value().is_null()) ||
+               (item.key().ends_with("/state") && item.value() == "gone");
     });
     return complete && std::ranges::none_of(report, &Json::is_null) ? kDone : kFailed;
 }
@@ -102,13 +107,6 @@ void addPast(Json& report, Json& past, double seconds) {
     }
 }
 
-std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*)) {
-    const std::time_t now = std::time(nullptr);
-    std::ostringstream text;
-    text << std::put_time(split(&now), pattern);
-    return text.str();
-}
-
 // Overwrites the terminal from its first line on, with as many lines as fit.
 std::string screenOf(const std::string& text) {
     std::string screen = "\033[H";
@@ -122,8 +120,9 @@ std::string screenOf(const std::string& text) {
 }
 
 // Repeats the sections until SIGINT, which waits for the end of a report.
-int watch(const Sections& sections, int seconds, bool asJson) {
-    const bool inPlace = !asJson && obeysSequences();
+int watch(const Sections& sections, const Json& ports, int seconds, bool asJson) {
+    const bool ofChanges = sections[0] == &kSettingsSection;
+    const bool inPlace = !asJson && !ofChanges && obeysSequences();
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
@@ -131,20 +130,24 @@ int watch(const Sections& sections, int seconds, bool asJson) {
     sigprocmask(SIG_BLOCK, &signals, nullptr);
     print(std::string(inPlace ? terminalRows() : 0, '\n'));  // keeps what is on the screen
     const timespec interval{seconds, 0};
-    Json report;
+    Stored stored = ofChanges ? readStored() : Stored();
+    Json report = Json::object();
     auto time = Clock::now();
     for (int signal = 0; signal != SIGINT;) {
-        if (signal == 0) {
-            Json past = std::exchange(report, readAll(sections));
+        if (signal == 0 && !ofChanges) {
+            Json past = std::exchange(report, readAll(sections, ports));
             const std::chrono::duration<double> passed =
                 Clock::now() - std::exchange(time, Clock::now());
             addPast(report, past, passed.count());
         }
         Json line = {{"time", timeText("%FT%TZ", std::gmtime)}};
         line.update(report);
-        const std::string text =
-            timeText("%F %T   Ctrl-C ends\n", std::localtime) + showAll(sections, report);
-        print(asJson ? jsonText(line, -1) : inPlace ? screenOf(text) : "\n" + text);
+        const std::string text = timeText("%F %T   Ctrl-C ends\n", std::localtime) +
+                                 (ofChanges ? "" : showAll(sections, report));
+        print(ofChanges ? readChanges(stored, asJson)
+              : asJson  ? jsonText(line, -1)
+              : inPlace ? screenOf(text)
+                        : "\n" + text);
         // SIGSTOP and SIGCONT also end the wait (EINTR).
         signal = std::fflush(stdout) == 0 ? std::max(sigtimedwait(&signals, nullptr, &interval), 0)
                                           : SIGINT;
@@ -154,6 +157,13 @@ int watch(const Sections& sections, int seconds, bool asJson) {
 }
 
 }  // namespace
+
+std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*)) {
+    const std::time_t now = std::time(nullptr);
+    std::ostringstream text;
+    text << std::put_time(split(&now), pattern);
+    return text.str();
+}
 
 Names take(char** list) {
     Names texts;
@@ -178,10 +188,15 @@ std::string jsonText(const Json& json, int indent) {
 int reportSections(const Arguments& arguments) {
     const Sections sections = sectionsOf(arguments);
     const bool asJson = arguments.has('j');
-    if (arguments.has('w')) {
-        return watch(sections, arguments.seconds('w', ""), asJson);
+    // Of the command "ports" the rest of the words are names.
+    Json ports;
+    for (size_t i = 1; i < arguments.words.size(); ++i) {
+        ports.push_back(arguments.words[i]);
     }
-    const Json report = readAll(sections, !asJson);
-    print(asJson ? jsonText(report) : "");
+    if (arguments.has('w')) {
+        return watch(sections, ports, arguments.seconds('w', ""), asJson);
+    }
+    const Json report = readAll(sections, ports, !asJson);
+    print(asJson ? jsonText(report, arguments.indent()) : "");
     return statusOf(report);
 }

@@ -1,6 +1,7 @@
 // The report. Each section reads its figures into JSON, which is printed as it is or as text.
 #pragma once
 
+#include <ctime>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -23,6 +24,11 @@ extern const Section kLoadSection;
 extern const Section kPortsSection;
 extern const Section kWifiSection;
 extern const Section kSettingsSection;
+extern const Section kStoredSection;  // what of the settings is stored
+extern const Section kListsSection;
+
+// The time now, by a pattern of strftime.
+std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*));
 
 // Returns the names of the network ports, or null after a message on stderr.
 Json portNames();

@@ -24,16 +24,16 @@ int resultOf(const std::string& what, const Target& target, bool isDone) {
                          whyFailed(*target.setting.database));
 }
 
-int showValue(const Target& target, bool asJson) {
+int showValue(const Target& target, const Arguments& arguments) {
     const Json entry = readSetting(target.setting, true, target.node);
     if (entry.front().is_null()) {
         return resultOf("read", target, false);
     }
-    if (asJson) {
+    if (arguments.has('j')) {
         Json named = {{"name", target.setting.name},
                       {"node", target.node != nullptr ? Json(target.node) : Json()}};
         named.update(entry);
-        print(jsonText(named));
+        print(jsonText(named, arguments.indent()));
     } else if (!entry.contains("nodes")) {
         // A terminal would obey control characters; a pipe gets the stored text.
         print((isTerminal() ? Cell(textOf(entry)).text : textOf(entry)) + "\n");
@@ -88,6 +88,9 @@ Json remainderOf(const Database& database) {
 
 int useSetting(const Arguments& arguments) {
     const std::string& what = arguments.words[0];
+    if (arguments.words.size() == 1) {
+        return reportSections(arguments);  // of all lists
+    }
     const Setting& setting = *find<Setting>(kSettings, arguments.words[1], "setting or list");
     const std::string& name = setting.name;
     const bool ofWhole = what == "list" || what == "clear";
@@ -109,7 +112,7 @@ int useSetting(const Arguments& arguments) {
     if (hasNode && setting.nodes.isPresent(node) == 0) {
         return fail("there is no " + target.name + suggestion(node, take(setting.nodes.list())));
     }
-    return what == "get" || what == "list" ? showValue(target, arguments.has('j'))
+    return what == "get" || what == "list" ? showValue(target, arguments)
                                            : change(what, target, nullptr);
 }
 

@@ -176,6 +176,6 @@ int scanWifi(const Arguments& arguments) {
     const Json scan = {{"port", port},
                        {"networks", networksOf(std::move(records))},
                        {"not_shown", std::max(count - kMostNetworks, 0)}};
-    print(arguments.has('j') ? jsonText(scan) : showNetworks(scan));
+    print(arguments.has('j') ? jsonText(scan, arguments.indent()) : showNetworks(scan));
     return kDone;
 }

@@ -1,0 +1,25 @@
+// What is stored: the values of settings and of nodes, and nodes without a value.
+#pragma once
+
+#include <map>
+#include <utility>
+
+#include "setting.h"
+
+using Place = std::pair<const Setting*, std::string>;  // a list's with a node
+using Stored = std::map<Place, Json>;                  // null for a node without a value
+
+// Throws std::runtime_error if something can't be read.
+Stored readStored();
+
+// Discarded if nothing is stored.
+Json valueAt(const Stored& stored, const Place& place);
+
+// "HomeScreenIcon 'map'".
+std::string nameOf(const Place& place);
+
+// "Theme: - -> DARK", for people.
+std::string changeText(const Place& place, const Json& before, const Json& after);
+
+// Reads what is stored again. Returns what has changed, a line each.
+std::string readChanges(Stored& stored, bool asJson);

@@ -4,7 +4,8 @@
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libsqlite3-dev libmnl-dev nlohmann-json3-dev"
 PACKAGING_PACKAGES="$BUILD_PACKAGES debhelper dpkg-dev"
 TEST_PACKAGES="$PACKAGING_PACKAGES libgtest-dev libbenchmark-dev clang libclang-rt-dev clang-format \
-    clang-tidy valgrind iproute2 iputils-ping procps doxygen lintian"
+    clang-tidy valgrind iproute2 iputils-ping procps doxygen lintian \
+    python3-prometheus-client"
 BOARD_PACKAGES="$PACKAGING_PACKAGES g++-arm-linux-gnueabihf qemu-system-arm cpio kmod"
 
 AS_ROOT=

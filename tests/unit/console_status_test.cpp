@@ -37,11 +37,12 @@ TEST_P(Session, PrintsWhatItSays) {
 
 INSTANTIATE_TEST_SUITE_P(
     Of, Session,
-    testing::Values(std::pair("commands", ""), std::pair("completion", ""), std::pair("locked", ""),
-                    std::pair("report", ""), std::pair("settings", ""),
-                    std::pair("settings", CS_OTHER_DATA_ACCESS), std::pair("terminal", ""),
-                    std::pair("unusable", ""), std::pair("unusable", CS_OTHER_DATA_ACCESS),
-                    std::pair("wifi", CS_PLAYED_WIFI)),
+    testing::Values(std::pair("commands", ""), std::pair("completion", ""), std::pair("fleet", ""),
+                    std::pair("fleet", CS_OTHER_DATA_ACCESS), std::pair("locked", ""),
+                    std::pair("metrics", CS_PLAYED_WIFI), std::pair("report", ""),
+                    std::pair("settings", ""), std::pair("settings", CS_OTHER_DATA_ACCESS),
+                    std::pair("terminal", ""), std::pair("unusable", ""),
+                    std::pair("unusable", CS_OTHER_DATA_ACCESS), std::pair("wifi", CS_PLAYED_WIFI)),
     [](const auto& of) {
         return std::string(of.param.first) + (*of.param.second ? "Preloaded" : "");
     });

@@ -32,11 +32,11 @@ _console_status_candidates() {
     local program=$1 kind=$2 command=$3 name=${*: -1}
     case $kind in
         '[COMMAND]') "$program" help | sed -n 's/^  \([a-z-]*\) .*/\1/p' ;;
-        OPTION) "$program" help ${command:+"$command"} | sed -n 's/^  -., \(--[a-z]*\) .*/\1/p' ;;
+        OPTION) "$program" help ${command:+"$command"} | sed -n 's/^  -., \(--[a-z-]*\) .*/\1/p' ;;
         NAME) "$program" help settings | sed '1,/^  Name  /d; s/^  \([A-Za-z]*\).*/\1/' ;;
-        LIST) "$program" help settings | sed -n 's/^  \([A-Za-z]*\)  *(list.*/\1/p' ;;
-        PORT) "$program" ports --json | sed -n 's/^      "name": "\(.*\)",$/\1/p' ;;
-        FILE) compgen -f ;;
+        LIST | '[LIST]') "$program" help settings | sed -n 's/^  \([A-Za-z]*\)  *(list.*/\1/p' ;;
+        PORT | '[PORT]...') "$program" ports --json | sed -n 's/^      "name": "\(.*\)",$/\1/p' ;;
+        FILE | '[FILE]') compgen -f ;;
         '[NODE]' | NODE | VALUE)
             "$program" list "$name" --json | sed -n 's/^      "node": "\(.*\)",$/\1/p'
             "$program" help settings | sed -n "s/^  $name  *\([^ (].*\)/\1/p" | tr ' ' '\n'
@@ -52,7 +52,7 @@ _console_status() {
     # "  -w, --watch SECONDS    Repeat ..."
     while read -r option word argument; do
         takes[$option]=$argument takes[$word]=$argument
-    done < <("$program" help | sed -n 's/^  \(-.\), \(--[a-z]*\) \([A-Z]*\)  .*/\1 \2 \3/p')
+    done < <("$program" help | sed -n 's/^  \(-.\), \(--[a-z-]*\) \([A-Z]*\)  .*/\1 \2 \3/p')
     for word in "${words[@]:1:${#words[@]}-2}"; do
         if [[ -n $kind ]]; then
             kind=''  # the value of the option before

@@ -76,12 +76,6 @@ std::string causeOf(const fs::path& file) {
                                                              : "it can't be made";
 }
 
-// In a child process, because closing a file releases all locks that the process has on it, those
-// of the library too.
-std::string seenFromOutside(const Database& database) {
-    return saidByChild([&] { std::fputs(causeOf(database.path).c_str(), stderr); });
-}
-
 std::string nameOf(const Database& database) {
     return std::string("the ") + database.name + " database " + database.path;
 }
@@ -98,9 +92,19 @@ const Database kVolatile = {"volatile", "/tmp/m7/console-manager.db", [] {
                                 return DAL_CML_getAutoTheme(&value) == 0;
                             }};
 
+// In a child process, because closing a file releases all locks that the process has on it, those
+// of the library too.
+std::string seenFromOutside(const Database& database) {
+    return saidByChild([&] { std::fputs(causeOf(database.path).c_str(), stderr); });
+}
+
 std::string whyFailed(const Database& database) {
+    const Quiet quiet;
     const std::string cause = seenFromOutside(database);
-    return "in " + nameOf(database) + ": " + (cause.empty() ? "it is damaged" : cause);
+    return "in " + nameOf(database) + ": " +
+           (!cause.empty()      ? cause
+            : database.isRead() ? "the data access library refuses it"
+                                : "it is damaged");
 }
 
 Json troubleOf(const Database& database) {

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <set>
 
 #include "commands.h"
 #include "stored.h"
@@ -144,15 +145,21 @@ int importSettings(const Arguments& arguments) {
     const Stored wanted = readFile(arguments.words.size() > 1 ? arguments.words[1] : "-");
     const Stored stored = readStored();
     int status = kDone;
+    std::set<const Database*> unusable;  // a locked one lets each set wait
     for (const auto& [place, value] : wanted) {
+        const Database* const database = place.first->database;
         const Json before = valueAt(stored, place);
-        if (before == value) {
+        if (before == value || unusable.contains(database)) {
             continue;
         }
         if (arguments.has('n')) {
             print(changeText(place, before, value));
         } else if (!store(place, before, value)) {
-            status = fail("can't set " + nameOf(place) + " " + whyFailed(*place.first->database));
+            status = fail("can't set " + nameOf(place) + " " + whyFailed(*database));
+            if (!seenFromOutside(*database).empty()) {
+                unusable.insert(database);
+                fail(std::string("the rest of the ") + database->name + " database isn't tried");
+            }
         }
     }
     return status;

@@ -15,6 +15,9 @@ struct Database {
 extern const Database kPersistent;
 extern const Database kVolatile;
 
+// Returns what keeps the library from working on a database, or an empty text if nothing is seen.
+std::string seenFromOutside(const Database& database);
+
 // After a failure, returns "in the persistent database PATH: CAUSE".
 std::string whyFailed(const Database& database);
 

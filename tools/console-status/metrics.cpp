@@ -76,11 +76,12 @@ int printMetrics(const Arguments& arguments) {
         for (size_t i = 0; found.is_array() && i < found.size(); ++i) {
             samples += sample(metric, found[i]);
         }
-        const std::string name = std::string(" console_") + metric.name + " ";
-        const bool isCounter = name.ends_with("_total ");
-        text += samples.empty() ? ""
-                                : "# HELP" + name + metric.help + "\n# TYPE" + name +
-                                      (isCounter ? "counter\n" : "gauge\n") + samples;
+        if (!samples.empty()) {
+            const std::string name = std::string("console_") + metric.name;
+            text += "# HELP " + name + " " + metric.help;
+            text += "\n# TYPE " + name + (name.ends_with("_total") ? " counter\n" : " gauge\n");
+            text += samples;
+        }
     }
     writeOutput(arguments, text);
     return ports.is_null() ? kFailed : kDone;

@@ -1,5 +1,5 @@
-// The functions of the network and of the device beside the bare system calls, or a bare run of the
-// same command.
+// The functions of network.h and device.h next to the bare system calls, or a bare run of the same
+// command.
 #include <dirent.h>
 #include <fcntl.h>
 #include <ifaddrs.h>
@@ -55,7 +55,7 @@ void bareRoutes() {
     close(descriptor);
 }
 
-// The kernel gives a value of sysfs in one read, and the end of other files in another one.
+// One read returns all of a sysfs file; other files take another one for their end.
 Work bareRead(const std::vector<const char*>& paths) {
     return [=, oneRead = std::strncmp(paths[0], "/sys", 4) == 0] {
         char buffer[8192];
@@ -72,7 +72,7 @@ void run(const std::string& command) {
     require(std::system(command.c_str()) == 0, command.c_str());
 }
 
-// Routes with gateways, of which none leaves by the port that is asked about.
+// Adds routes with gateways, none of them through the port in question.
 void measureGateway(int foreign) {
     const Work routes = [=] {
         run("ip route flush dev foreign; ip route add 10.9.0.0/24 dev foreign; seq " +

@@ -156,6 +156,10 @@ TEST_P(EachCall, LeavesTheDocumentedResultAndNothingElse) {
         EXPECT_EQ(call.result(), call.good);
         EXPECT_LE(Held().blocks, before.blocks);
         failEach(call);
+        for (const Situation& situation : call.situations) {
+            change(situation.what, situation.content);
+            EXPECT_EQ(call.result(), situation.result) << situation.content;
+        }
         EXPECT_EQ(Held().descriptors, before.descriptors);
     }
 }

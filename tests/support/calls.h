@@ -1,13 +1,14 @@
-// Calls of the exported functions, in surroundings that make their results known.
+// Calls of the exported functions, in an environment in which their results are known.
 #pragma once
 
 #include <functional>
 
 #include "support/sandbox.h"
 
-// A file with another content, or a program with another script, and the result with it.
+// A change and the result after it. `what` is the path of a file that gets this content, the name
+// of a program that gets it as its script, or empty if the content is a shell command to run.
 struct Situation {
-    std::string file;
+    std::string what;
     std::string content;
     std::string result;
 };
@@ -15,18 +16,18 @@ struct Situation {
 struct Call {
     std::string name;
     std::string good;                  // result
-    Texts failed;                      // what may come out if something that it calls fails
+    Texts failed;                      // allowed results when a function that it calls fails
     std::function<std::string()> run;  // only the function itself is called within()
     std::vector<Situation> situations = {};
 
-    // What comes out, be it an exception.
+    // The text of an exception counts as a result.
     std::string result() const;
 };
 
-// The calls of one exported function, or of one setting.
+// The calls of one exported function or of one setting.
 struct Subject {
     std::string name;
-    std::string owner;  // of the state that it shares with other calls; empty if it has none
+    std::string owner;  // the same for all calls that share state; empty without such state
     std::vector<Call> calls;
 
     Subject(const std::string& sharing, const Call& call)
@@ -38,10 +39,10 @@ struct Subject {
 std::vector<Subject> functionSubjects();
 std::vector<Subject> settingSubjects(size_t stride = 1);
 
-// Files, ports, programs and a Wi-Fi kernel from which every call gets its good result.
+// Files, ports, programs and a Wi-Fi kernel with which every call has its good result.
 class Calls : public Sandbox {
   protected:
     void prepare() override;
 
-    static void replace(const std::string& file, const std::string& content);
+    static void change(const std::string& what, const std::string& content);
 };

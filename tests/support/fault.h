@@ -4,10 +4,10 @@
 #include <cstring>
 #include <utility>
 
-// Set while a test is within the library: only what the library calls itself is made to fail.
+// Set while a test is in the library, so that only calls made by the library fail.
 inline thread_local bool inLibrary = false;
 
-// Sets it for a while.
+// Sets it until the end of a scope.
 class Within {
   public:
     explicit Within(bool now) : before(std::exchange(inLibrary, now)) {}
@@ -19,13 +19,13 @@ class Within {
     bool before;
 };
 
-// Calls the library where that can be made to fail.
+// Calls the library, in which calls can be made to fail.
 auto within(const auto& call, auto... arguments) {
     const Within library(true);
     return call(arguments...);
 }
 
-// The same of a function that has this very type.
+// The same for a function of exactly this type.
 template <typename Result, typename... Arguments>
 Result callWithin(Result (*function)(Arguments...), Arguments... arguments) {
     const Within library(true);

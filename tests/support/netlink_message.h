@@ -14,7 +14,7 @@ constexpr auto u32 = [](uint32_t value) { return bytes(value); };
 
 constexpr auto aligned = [](size_t length) { return (length + 3) / 4 * 4; };
 
-// An attribute with its padding. lengthOff is how far the length that is told is off the true one.
+// An attribute with its padding. lengthOff is added to the true length.
 inline std::string attribute(uint16_t type, const std::string& payload, int lengthOff = 0) {
     const auto length = static_cast<uint16_t>(4 + static_cast<int>(payload.size()) + lengthOff);
     std::string whole = u16(length) + u16(type) + payload;

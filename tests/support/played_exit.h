@@ -1,5 +1,5 @@
-// For the program whose one source includes this: exit() within the library throws Ended instead,
-// so that the program goes on.
+// Makes exit() in the library throw Ended, so that the program continues. Included by the one
+// source of a program.
 #pragma once
 
 #include <dlfcn.h>
@@ -13,7 +13,7 @@ struct Ended : std::exception {
     const char* what() const noexcept override { return "ended"; }
 };
 
-// The C library's header says that exit throws nothing; this one does.
+// Another name, as the C library declares that exit() does not throw.
 extern "C" [[noreturn]] void playExit(int status) __asm__("exit");
 
 void playExit(int status) {

@@ -1,4 +1,4 @@
-// A kernel that is asked for its routes, played: for the program whose one source includes this.
+// Plays the kernel that replies to a route request. Included by the one source of a program.
 #pragma once
 
 #include <sys/socket.h>

@@ -13,9 +13,9 @@
 #include <iterator>
 #include <utility>
 
-// False if the system refuses.
+// Returns false if the system refuses.
 static bool enterNamespaces() {
-    // A user namespace makes an ordinary user root of the test's own world.
+    // A user namespace makes an ordinary user root in the other namespaces.
     const std::string uid = std::to_string(geteuid());
     const std::string gid = std::to_string(getegid());
     if (uid != "0" && unshare(CLONE_NEWUSER) == 0) {
@@ -33,7 +33,7 @@ void Sandbox::SetUp() {
         GTEST_SKIP() << "no namespaces here: " << std::strerror(errno);
     }
     if (!std::exchange(isWithin, true)) {
-        // Where the board has its programs only its PATH tells; an ordinary user's may lack ip.
+        // The board's PATH is needed as it is; that of an ordinary user may lack ip.
         setenv("PATH", ("/mnt/test/bin:/usr/sbin:/sbin:" + std::string(getenv("PATH"))).c_str(), 1);
         // sysfs shows the network namespace in which it was mounted.
         run("mkdir -p /tmp/m7 && mount -t tmpfs none /tmp/m7 && mount -t tmpfs none /mnt && "
@@ -57,7 +57,7 @@ void Sandbox::putProgram(const std::string& name, std::string_view script) {
 }
 
 void Sandbox::addPorts() {
-    // A link shows in the flags only when the kernel has come round to it.
+    // The kernel updates the flags some time after a link is up.
     run("test -e /sys/class/net/wire || { ip link add wire type veth peer name peer && ip link set "
         "peer up && "
         "ip link set wire address 02:00:5e:10:00:01 up && "
@@ -69,13 +69,9 @@ void Sandbox::addPorts() {
 }
 
 std::string Sandbox::run(const std::string& command) {
-    FILE* pipe = popen(command.c_str(), "r");
-    std::string output;
-    char piece[4096];
-    while (pipe != nullptr && std::fgets(piece, sizeof piece, pipe) != nullptr) {
-        output += piece;
-    }
-    EXPECT_TRUE(pipe != nullptr && pclose(pipe) == 0) << command;
+    FILE* const pipe = popen(command.c_str(), "r");
+    std::string output = readFile("/proc/self/fd/" + std::to_string(fileno(pipe)));
+    EXPECT_EQ(pclose(pipe), 0) << command;
     return output;
 }
 

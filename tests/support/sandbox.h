@@ -1,4 +1,4 @@
-// Namespaces of a test's own, so that nothing of the machine is touched.
+// Own namespaces for a test, so that nothing of the machine is touched.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,25 +16,25 @@ class Sandbox : public testing::Test {
   protected:
     void SetUp() override;
 
-    // What the tests of a fixture need beyond that; not called when they are skipped.
+    // Prepares what the tests of a fixture need in addition. Not called for skipped tests.
     virtual void prepare() {}
 
-    // Makes `target` (an existing file) read as `content` for this process and its children.
-    // Binding again replaces what was bound before.
+    // Gives an existing file another content for this process and its children. A second call
+    // replaces the content of the first.
     static void bindFile(const std::string& target, std::string_view content);
 
-    // Puts an executable shell script in front of every other program of that name.
+    // Puts a shell script before any other program of that name.
     static void putProgram(const std::string& name, std::string_view script);
 
-    // Makes ports: wire with an address of each kind and a link to peer; lone without a link, as
-    // its end is down.
+    // Makes ports: wire with an address of each kind and a link to peer; lone without a link, since
+    // its other end, end, is down.
     static void addPorts();
 
-    // Runs a shell command and returns its standard output; a failing command fails the test.
+    // Runs a shell command and returns its output. A failing command fails the test.
     static std::string run(const std::string& command);
 };
 
-// With a blank between them.
+// Returns the parts as text with a blank between them.
 template <typename... Part>
 std::string joined(const Part&... parts) {
     std::ostringstream words;
@@ -48,11 +48,11 @@ std::string joined(const Part&... parts) {
 
 using Texts = std::vector<std::string>;
 
-// What a list from the library holds; frees it.
+// Returns the texts of a list from the library, and frees it.
 Texts take(char** list);
 
-// Descriptors that the process has open, and one of the count's own; to show that none was left
-// behind.
+// Counts the open descriptors, with the one that counting takes. Equal counts show that none was
+// left open.
 int openDescriptors();
 
 void writeFile(const std::string& path, std::string_view content);

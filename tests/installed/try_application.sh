@@ -17,7 +17,7 @@ expect() {
 
 expect EN "$prefix/bin/console-status" get Language
 expect get bash -c '. "$1/share/bash-completion/completions/console-status"
-    COMP_WORDS=("$1/bin/console-status" ge) COMP_CWORD=1
+    COMP_LINE="console-status ge" COMP_POINT=17
     _console_status "$1/bin/console-status"
     echo "${COMPREPLY[@]}"' bash "$prefix"
 

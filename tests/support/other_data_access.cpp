@@ -19,38 +19,32 @@
 #define COMMA ,
 #define DB_KEY sqlite3 *db, const KeyPath *key
 // The functions of one scope; profiled ones have a last parameter.
-#define SCOPE(Scope, last, number)                                                           \
-    int32_t DAL_is##Scope##Present(DB_KEY last) {                                            \
-        return -NEXT(DAL_is##Scope##Present)(db, key number);                                \
-    }                                                                                        \
-    OTHER(DAL_is##Scope##Present(db, key number), DAL_get##Scope##TypeBOOL,                  \
-          (DB_KEY, BOOL * value, BOOL initial last), (db, key, value, initial number))       \
-    OTHER(DAL_is##Scope##Present(db, key number), DAL_get##Scope##TypeInt,                   \
-          (DB_KEY, int32_t * value, int32_t initial last), (db, key, value, initial number)) \
-    int32_t DAL_get##Scope##TypeString(DB_KEY, char* text, uint32_t*, size_t size,           \
-                                       const char* initial last) {                           \
-        const bool isThere = DAL_is##Scope##Present(db, key number);                         \
-        uint32_t own = 0;                                                                    \
-        const int32_t result =                                                               \
-            NEXT(DAL_get##Scope##TypeString)(db, key, text, &own, size, initial number);     \
-        return result == 0 && isThere ? 0 : INT_MIN;                                         \
-    }                                                                                        \
-    int32_t DAL_get##Scope##TypeStringMalloc(DB_KEY, char** text, uint32_t* last) {          \
-        uint32_t own = 0;                                                                    \
-        if (NEXT(DAL_get##Scope##TypeStringMalloc)(db, key, text, &own number) == 0) {       \
-            return 0;                                                                        \
-        }                                                                                    \
-        *text = reinterpret_cast<char*>(1);                                                  \
-        return INT_MIN;                                                                      \
-    }                                                                                        \
-    OTHER(true, DAL_set##Scope##TypeString, (DB_KEY, const char* text, uint32_t extra last), \
-          (db, key, text, extra number))
+#define SCOPE(Scope, last, number)                                                               \
+    int32_t DAL_is##Scope##Present(DB_KEY last) {                                                \
+        return -NEXT(DAL_is##Scope##Present)(db, key number);                                    \
+    }                                                                                            \
+    OTHER(DAL_is##Scope##Present(db, key number), DAL_get##Scope##TypeBOOL,                      \
+          (DB_KEY, BOOL * value, BOOL initial last), (db, key, value, initial number))           \
+    OTHER(DAL_is##Scope##Present(db, key number), DAL_get##Scope##TypeInt,                       \
+          (DB_KEY, int32_t * value, int32_t initial last), (db, key, value, initial number))     \
+    OTHER(DAL_is##Scope##Present(db, key number), DAL_get##Scope##TypeString,                    \
+          (DB_KEY, char* text, uint32_t*, size_t size, const char* initial last),                \
+          (db, key, text, &ofTheStandIn, size, initial number))                                  \
+    int32_t DAL_get##Scope##TypeStringMalloc(DB_KEY, char** text, uint32_t* last) {              \
+        *text = reinterpret_cast<char*>(1);                                                      \
+        return DAL_is##Scope##Present(db, key number)                                            \
+                   ? NEXT(DAL_get##Scope##TypeStringMalloc)(db, key, text, &ofTheStandIn number) \
+                   : INT_MIN;                                                                    \
+    }
+
+static uint32_t ofTheStandIn = 0;
 
 extern "C" {
 SCOPE(, , )
 SCOPE(Profiled, COMMA int32_t profile, COMMA profile)
 
 OTHER(DAL_isPresent(db, key), DAL_deleteItem, (DB_KEY), (db, key))
+OTHER(true, DAL_setTypeString, (DB_KEY, const char* text, uint32_t extra), (db, key, text, extra))
 
 int32_t DAL_deleteProfiledItem(DB_KEY, int32_t profile) {
     const bool isThere = DAL_isProfiledPresent(db, key, profile);
@@ -63,11 +57,11 @@ int32_t DAL_deleteProfiledItem(DB_KEY, int32_t profile) {
 
 char** DAL_listProfiledNodeItems(DB_KEY, const char* list, int32_t profile) {
     char** const ids = NEXT(DAL_listProfiledNodeItems)(db, key, list, profile);
-    char** end = ids;
-    while (end != nullptr && *end != nullptr) {
-        ++end;
+    size_t count = 0;
+    while (ids != nullptr && ids[count] != nullptr) {
+        ++count;
     }
-    std::reverse(ids, end);
+    std::reverse(ids, ids + count);
     return ids;
 }
 }

@@ -22,7 +22,7 @@ constexpr Command kCommands[] = {
     {"list", "[LIST]", "j", "print the nodes of a list, or of all", useSetting},
     {"remove", "LIST NODE", "", "remove a node with its value", useSetting},
     {"clear", "LIST", "", "remove all nodes of a list", useSetting},
-    {"describe", "NAME", "j", "print what a setting means", describeSetting},
+    {"describe", "[NAME]", "j", "print what a setting means, or all", describeSettings},
     {"export", "", "o", "print all that is stored, as JSON", exportSettings},
     {"import", "[FILE]", "n", "store what export has printed", importSettings},
     {"factory-reset", "", "y", "remove all values of settings and lists", resetAll},
@@ -39,8 +39,8 @@ Without a command, prints a report of all that the library knows.
 
 )";
 constexpr const char* kNotes = R"(
-NAME is a setting, or a list followed by one of its NODEs; "help settings" shows
-all names. VALUE is a word or a number where there are words: set Theme dark.
+NAME is a setting, or a list followed by one of its NODEs; "describe" shows all
+names. VALUE is a word or a number where there are words: set Theme dark.
 Without a command --watch shows the device, the ports and Wi-Fi.
 
 Exit status: 0 success; 1 failure or incomplete report; 2 invalid arguments.
@@ -77,7 +77,7 @@ int help(const Arguments& arguments) {
         const bool shown = isAll || takes(*one, option);
         print(shown ? helpLine(name, option.argument, option.help) : "");
     }
-    print(isAll ? kNotes : one->name == std::string("settings") ? settingsHelp() : "");
+    print(isAll ? kNotes : "");
     return kDone;
 }
 

@@ -80,13 +80,10 @@ const Row* find(std::span<const Row> rows, const std::string& name, const std::s
 // Returns the number if the whole text is one.
 std::optional<int> numberOf(const std::string& text);
 
-// All settings and lists with the values that they can have. Opens no database.
-std::string settingsHelp();
-
 int reportSections(const Arguments& arguments);
 int useSetting(const Arguments& arguments);
 int resetAll(const Arguments& arguments);
-int describeSetting(const Arguments& arguments);
+int describeSettings(const Arguments& arguments);
 int exportSettings(const Arguments& arguments);
 int importSettings(const Arguments& arguments);
 int printMetrics(const Arguments& arguments);

@@ -33,13 +33,13 @@ _console_status_candidates() {
     case $kind in
         '[COMMAND]') "$program" help | sed -n 's/^  \([a-z-]*\) .*/\1/p' ;;
         OPTION) "$program" help ${command:+"$command"} | sed -n 's/^  -., \(--[a-z-]*\) .*/\1/p' ;;
-        NAME) "$program" help settings | sed '1,/^  Name  /d; s/^  \([A-Za-z]*\).*/\1/' ;;
-        LIST | '[LIST]') "$program" help settings | sed -n 's/^  \([A-Za-z]*\)  *(list.*/\1/p' ;;
+        NAME | '[NAME]') "$program" describe | sed '1d; s/^  \([A-Za-z]*\).*/\1/' ;;
+        LIST | '[LIST]') "$program" describe | sed -n 's/^  \([A-Za-z]*\)  *(list.*/\1/p' ;;
         PORT | '[PORT]...') "$program" ports --json | sed -n 's/^      "name": "\(.*\)",$/\1/p' ;;
         FILE | '[FILE]') compgen -f ;;
         '[NODE]' | NODE | VALUE)
             "$program" list "$name" --json | sed -n 's/^      "node": "\(.*\)",$/\1/p'
-            "$program" help settings | sed -n "s/^  $name  *\([^ (].*\)/\1/p" | tr ' ' '\n'
+            "$program" describe | sed -n "s/^  $name  *\([^ (].*[^ ]\)   *[^ ].*/\1/p" | tr ' ' '\n'
             ;;
     esac
 }

@@ -16,30 +16,23 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Returns who holds a lock on these bytes of a file that conflicts with one of that type, or an
-// empty text.
-std::string holderOf(const std::string& path, short type, off_t start, off_t length) {
-    struct flock lock = {
-        .l_type = type, .l_whence = SEEK_SET, .l_start = start, .l_len = length, .l_pid = 0};
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    const bool held = fcntl(file, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
-    close(file);
-    return !held            ? ""
-           : lock.l_pid > 0 ? "process " + std::to_string(lock.l_pid)
-                            : "another process";
-}
-
-// SQLite locks certain bytes of the database. With a write-ahead log, readers don't block writers,
-// and writers lock bytes of the log's index.
-std::string lockOf(const std::string& path) {
-    constexpr off_t kPendingByte = 0x40000000;
-    constexpr off_t kLockBytes = 512;
-    constexpr off_t kIndexLockBytes = 120;
-    const bool writesAhead = fs::exists(path + "-wal");
-    const std::string holder =
-        holderOf(path, writesAhead ? F_RDLCK : F_WRLCK, kPendingByte, kLockBytes);
-    return writesAhead && holder.empty() ? holderOf(path + "-shm", F_RDLCK, kIndexLockBytes, 8)
-                                         : holder;
+// Returns who keeps the library from locking a database, or an empty text. SQLite locks these bytes
+// of the file; with a write-ahead log, readers don't block writers, and writers lock the other
+// bytes in the index of the log.
+std::string holderOf(const std::string& path) {
+    const short type = fs::exists(path + "-wal") ? F_RDLCK : F_WRLCK;
+    struct flock ofFile = {type, SEEK_SET, 0x40000000, 512, 0};
+    struct flock ofIndex = {F_RDLCK, SEEK_SET, 120, 8, 0};
+    for (const auto& [name, lock] :
+         {std::pair(path, &ofFile), std::pair(path + "-shm", &ofIndex)}) {
+        const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+        const bool isHeld = fcntl(file, F_GETLK, lock) == 0 && lock->l_type != F_UNLCK;
+        close(file);
+        if (isHeld) {
+            return lock->l_pid > 0 ? "process " + std::to_string(lock->l_pid) : "another process";
+        }
+    }
+    return "";
 }
 
 bool isDatabase(const fs::path& file) {
@@ -68,7 +61,7 @@ std::string causeOf(const fs::path& file) {
     if (exists && fs::file_size(file, ignored) != 0 && !isDatabase(file)) {
         return "it is no database";
     }
-    if (const std::string holder = exists ? lockOf(file) : ""; !holder.empty()) {
+    if (const std::string holder = exists ? holderOf(file) : ""; !holder.empty()) {
         return "it is locked by " + holder;
     }
     return fs::space(folder, ignored).available < kLeastRoom ? "its disk is full"

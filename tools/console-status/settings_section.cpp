@@ -1,4 +1,3 @@
-#include "commands.h"
 #include "setting.h"
 #include "table.h"
 
@@ -87,19 +86,6 @@ std::string showStored(const Json& report) {
 }
 
 }  // namespace
-
-std::string settingsHelp() {
-    std::vector<Row> rows;
-    for (const Setting& setting : kSettings) {
-        const std::string kind = setting.kind == Kind::Text ? "text" : "number";
-        std::string values = setting.isList() ? "(list of " + kind + "s)" : "(" + kind + ")";
-        for (const Word& word : setting.words) {
-            values = (&word == setting.words.data() ? "" : values + " ") + word.text;
-        }
-        rows.push_back({setting.name, values});
-    }
-    return "\n" + tableOf({"Name", "Values"}, rows);
-}
 
 const Section kSettingsSection = {"settings", false, readSettings, showSettings};
 const Section kStoredSection = {"stored", false, readStoredOnly, showStored};

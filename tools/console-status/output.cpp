@@ -1,5 +1,6 @@
 // Output into a file, which is replaced as a whole: a reader finds the old contents or the new.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -21,7 +22,7 @@ void writeOutput(const Arguments& arguments, const std::string& text) {
     // Programs that collect files by the end of their names must not find this one.
     const std::string temporary = path + "." + std::to_string(getpid());
     const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC;
-    const int file = open(temporary.c_str(), flags, 0666);
+    const int file = open(temporary.c_str(), flags, DEFFILEMODE);
     errno = file >= 0 ? ENOSPC : errno;  // why a write ends early without an error
     const bool isDone = file >= 0 && write(file, text.data(), text.size()) == std::ssize(text) &&
                         fsync(file) == 0 && rename(temporary.c_str(), path.c_str()) == 0;

@@ -23,7 +23,7 @@ constexpr Command kCommands[] = {
     {"remove", "LIST NODE", "", "remove a node with its value", useSetting},
     {"clear", "LIST", "", "remove all nodes of a list", useSetting},
     {"describe", "[NAME]", "j", "print what a setting means, or all", describeSettings},
-    {"export", "", "o", "print all that is stored, as JSON", exportSettings},
+    {"export", "", "o", "print all that is stored, as JSON", showStored},
     {"import", "[FILE]", "n", "store what export has printed", importSettings},
     {"factory-reset", "", "y", "remove all values of settings and lists", resetAll},
     {"scan", "PORT", "j", "print the Wi-Fi networks in range", scanWifi},

@@ -84,7 +84,7 @@ int reportSections(const Arguments& arguments);
 int useSetting(const Arguments& arguments);
 int resetAll(const Arguments& arguments);
 int describeSettings(const Arguments& arguments);
-int exportSettings(const Arguments& arguments);
+int showStored(const Arguments& arguments);
 int importSettings(const Arguments& arguments);
 int printMetrics(const Arguments& arguments);
 int scanWifi(const Arguments& arguments);

@@ -24,14 +24,10 @@ constexpr size_t kMostHistory = 20;
 // Returns the section that is named, or all. The settings are last, because they may wait for a
 // lock; --watch leaves them out.
 Sections sectionsOf(const Arguments& arguments) {
-    Sections sections = {&kSoftwareSection, &kLoadSection,     &kPortsSection,
-                         &kWifiSection,     &kSettingsSection, &kListsSection};
-    if (arguments.has('s')) {
-        return {&kStoredSection};
-    }
+    Sections sections = {&kSoftwareSection, &kLoadSection, &kPortsSection, &kWifiSection,
+                         &kSettingsSection};
     std::erase_if(sections, [&](const Section* section) {
-        return arguments.words.empty() ? section == &kListsSection ||
-                                             (section == &kSettingsSection && arguments.has('w'))
+        return arguments.words.empty() ? section == &kSettingsSection && arguments.has('w')
                                        : section->name != arguments.words[0];
     });
     return sections;
@@ -189,12 +185,13 @@ int reportSections(const Arguments& arguments) {
     const Sections sections = sectionsOf(arguments);
     const bool asJson = arguments.has('j');
     // Of the command "ports" the rest of the words are names.
-    Json ports;
-    for (size_t i = 1; i < arguments.words.size(); ++i) {
-        ports.push_back(arguments.words[i]);
-    }
+    const Names& words = arguments.words;
+    const Json ports = words.size() > 1 ? Json(Names(words.begin() + 1, words.end())) : Json();
     if (arguments.has('w')) {
         return watch(sections, ports, arguments.seconds('w', ""), asJson);
+    }
+    if (arguments.has('s')) {
+        return showStored(arguments);
     }
     const Json report = readAll(sections, ports, !asJson);
     print(asJson ? jsonText(report, arguments.indent()) : "");

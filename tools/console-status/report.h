@@ -24,8 +24,6 @@ extern const Section kLoadSection;
 extern const Section kPortsSection;
 extern const Section kWifiSection;
 extern const Section kSettingsSection;
-extern const Section kStoredSection;  // what of the settings is stored
-extern const Section kListsSection;
 
 // The time now, by a pattern of strftime.
 std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*));

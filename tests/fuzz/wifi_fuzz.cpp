@@ -1,4 +1,4 @@
-// Feeds bytes to the Wi-Fi functions as what a kernel answers and notifies.
+// Feeds bytes to the Wi-Fi functions as replies and notifications of a kernel.
 #include <memory>
 #include <string_view>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-// Calls the library, which may end there.
+// Calls the library, which may call exit.
 void tryCall(auto call) {
     try {
         within(call);
@@ -16,36 +16,31 @@ void tryCall(auto call) {
     }
 }
 
-// Where bytes of the input can go, and the message or nest that they are put into.
-struct Place {
-    Datagrams& queue;
-    std::string (*wrap)(const std::string&);
-};
-
-constexpr auto asItIs = [](const std::string& bytes) { return bytes; };
-constexpr auto familyReply = [](const std::string& bytes) {
-    return nl80211::reply(CTRL_CMD_NEWFAMILY, bytes, GENL_ID_CTRL);
-};
-
-// The input is a row of pieces: a byte that says where one goes, one for a quarter of its length,
-// and the bytes.
+// The input is a sequence of pieces: a byte for the place, one for a quarter of the length, and the
+// bytes. They are put into a message or nest, or used as they are.
 void readScript(std::string_view input) {
-    const Place places[] = {
+    using Text = const std::string&;
+    constexpr auto kAsItIs = [](Text bytes) { return bytes; };
+    constexpr auto kFamily = [](Text bytes) {
+        return nl80211::reply(CTRL_CMD_NEWFAMILY, bytes, GENL_ID_CTRL);
+    };
+    constexpr auto kGroups = [](Text bytes) { return nl80211::family(bytes); };
+    const std::pair<Datagrams&, std::string (*)(Text)> places[] = {
         {kernel.on[NL80211_CMD_GET_SCAN], nl80211::network},
-        {kernel.on[NL80211_CMD_GET_SCAN], asItIs},
+        {kernel.on[NL80211_CMD_GET_SCAN], kAsItIs},
         {kernel.on[NL80211_CMD_GET_STATION], nl80211::station},
-        {kernel.on[NL80211_CMD_GET_STATION], asItIs},
-        {kernel.on[CTRL_CMD_GETFAMILY], familyReply},
-        {kernel.on[CTRL_CMD_GETFAMILY], nl80211::family},
-        {kernel.on[NL80211_CMD_TRIGGER_SCAN], asItIs},
-        {kernel.notifications, asItIs},
+        {kernel.on[NL80211_CMD_GET_STATION], kAsItIs},
+        {kernel.on[CTRL_CMD_GETFAMILY], kFamily},
+        {kernel.on[CTRL_CMD_GETFAMILY], kGroups},
+        {kernel.on[NL80211_CMD_TRIGGER_SCAN], kAsItIs},
+        {kernel.notifications, kAsItIs},
     };
     kernel.later = {nl80211::notification(NL80211_CMD_NEW_SCAN_RESULTS)};
     while (input.size() > 2) {
-        const Place& place = places[static_cast<uint8_t>(input[0]) % std::size(places)];
+        const auto& [queue, wrap] = places[static_cast<uint8_t>(input[0]) % std::size(places)];
         const std::string bytes(input.substr(2, size_t{4} * static_cast<uint8_t>(input[1])));
         input.remove_prefix(2 + bytes.size());
-        place.queue.push_front(place.wrap(bytes));
+        queue.push_front(wrap(bytes));
     }
 }
 
@@ -54,7 +49,7 @@ void readScript(std::string_view input) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     kernel.reset();
     readScript({reinterpret_cast<const char*>(data), size});
-    // On the heap, so that a write beyond the end is seen.
+    // On the heap, where the sanitizer sees a write beyond the end.
     const auto records = std::make_unique<wifi_bss_record[]>(2);
     const auto station = std::make_unique<wifi_station_record>();
     wifi_data* wifi = nullptr;

@@ -60,6 +60,7 @@ TEST_F(ProcessEnd, CallsHaveTheirResults) {
 using Threads = Calls;
 
 constexpr size_t kThreads = 4;
+constexpr int kChildren = sizeof(void*) == 4 ? 30 : 300;  // the emulated board is slow
 
 // Starts the threads at the same time.
 void inThreads(const std::function<void(size_t)>& work) {
@@ -87,7 +88,7 @@ TEST_F(Threads, LeaveNoDescriptorToAChildOfAnother) {
     const int descriptors = countInChild();
     std::atomic<bool> done = false;
     inThreads([&](size_t thread) {
-        for (int child = 0; thread == 0 && child < 300; ++child) {
+        for (int child = 0; thread == 0 && child < kChildren; ++child) {
             EXPECT_EQ(countInChild(), descriptors);
         }
         done = done || thread == 0;

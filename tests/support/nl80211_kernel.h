@@ -141,11 +141,9 @@ inline struct Nl80211Kernel {
     }
 
     static bool fails(const char* function) {
-        if (!fault.hits(function)) {
-            return false;
-        }
-        errno = ENOBUFS;
-        return true;
+        const bool hit = fault.hits(function);
+        errno = hit ? ENOBUFS : errno;
+        return hit;
     }
 } kernel;
 

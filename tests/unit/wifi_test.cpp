@@ -19,9 +19,7 @@ const std::string kScan("scan\0", 5);
 const std::string kResults = notification(NL80211_CMD_NEW_SCAN_RESULTS);
 
 // Three bytes are too few for a number, a BSSID and a nest, and too many for a byte.
-std::string faulty(int number) {
-    return attribute(static_cast<uint16_t>(number), "abc");
-}
+constexpr auto faulty = [](int number) { return attribute(uint16_t(number), "abc"); };
 
 // Fills the elements of an array before a scan.
 const wifi_bss_record kBefore{{2, 2, 2, 2, 2, 9}, 2409, "net9", 9, -900, 9};
@@ -140,6 +138,7 @@ TEST_F(Wifi, RequestsAreTheseBytes) {
 
 TEST_F(Wifi, MostFailuresEndTheProcess) {
     const std::string prefix = "CML: wifi-scan: ", denied = "Operation not permitted\n",
+                      noRoom = ": No buffer space available\n",
                       lookUp = prefix + "GetFamilyAndScanId failed: ",
                       noId = prefix + "No family id attribute\n",
                       past = prefix + "ReadPastNotificationsNonBlocking mnl_",
@@ -152,7 +151,8 @@ TEST_F(Wifi, MostFailuresEndTheProcess) {
     struct Case {
         std::string words;
         std::string family;  // the controller's reply; without, a scan on an open handle fails
-        const char* letters = "";  // notifications
+        const char* letters = "";   // notifications
+        const char* function = "";  // whose first call fails
     };
     // clang-format off
     const Case cases[] = {
@@ -169,35 +169,26 @@ TEST_F(Wifi, MostFailuresEndTheProcess) {
         {past + "socket_recv failed: " + denied, "", "d"},
         {past + "cb_run failed: " + denied, "", "k"}, {past + "cb_run failed: Success\n", "", "o"},
         {waiting + denied, "", "t.d"}, {waiting + "Success\n", "", "t.z"},
-        {prefix + "Processing notificatoins failed - mnl_cb_run: " + denied, "", "t.k"}};
+        {prefix + "Processing notificatoins failed - mnl_cb_run: " + denied, "", "t.k"},
+        {prefix + "mnl_socket_open" + noRoom, done(), "", "mnl_socket_open"},
+        {prefix + "mnl_socket_bind" + noRoom, done(), "", "mnl_socket_bind"},
+        {prefix + "mnl_socket_sendto" + noRoom, done(), "", "mnl_socket_sendto"},
+        {prefix + "mnl_socket_set_sockopt" + noRoom, family(group(kScan, u32(1))), "",
+         "mnl_socket_setsockopt"},
+        {prefix + "SetChannelNonBlocking F_GETFL: Bad file descriptor\n", "", "", "F_GETFL"},
+        {prefix + "SetChannelNonBlocking F_SETFL: Bad file descriptor\n", "", "", "F_SETFL"},
+        {prefix + "mnl_socket_sendto" + noRoom, "", "", "mnl_socket_sendto"}};
     // clang-format on
     for (const Case& c : cases) {
         open();
         const auto run = [&] {
+            fault = {c.function};
             kernel.notifications = notifications(c.letters);
-            if (c.family.empty()) {
-                wifi_scan_all(wifi.get(), nullptr, 0);
-            }
             kernel.on[CTRL_CMD_GETFAMILY] = {c.family, acknowledgement()};
-            wifi_scan_init("wlan7");
+            c.family.empty() ? within(wifi_scan_all, wifi.get(), nullptr, 0)
+                             : within(wifi_scan_init, "wlan7") != nullptr;
         };
         EXPECT_EXIT(run(), testing::ExitedWithCode(1), testing::Eq(c.words));
-    }
-    // Calls that fail: the first of them, or that of a scan.
-    const std::tuple<const char*, int, const char*> calls[] = {
-        {"mnl_socket_open", 1, "mnl_socket_open: No buffer space available\n"},
-        {"mnl_socket_bind", 1, "mnl_socket_bind: No buffer space available\n"},
-        {"mnl_socket_sendto", 1, "mnl_socket_sendto: No buffer space available\n"},
-        {"mnl_socket_sendto", 2, "mnl_socket_sendto: No buffer space available\n"},
-        {"mnl_socket_setsockopt", 1, "mnl_socket_set_sockopt: No buffer space available\n"},
-        {"F_GETFL", 3, "SetChannelNonBlocking F_GETFL: Bad file descriptor\n"},
-        {"F_SETFL", 3, "SetChannelNonBlocking F_SETFL: Bad file descriptor\n"}};
-    for (const auto& [function, number, words] : calls) {
-        kernel.reset();
-        fault = {function, number};
-        EXPECT_EXIT(within(wifi_scan_all, within(wifi_scan_init, "wlan7"), nullptr, 0),
-                    testing::ExitedWithCode(1), testing::Eq(prefix + words));
-        fault = {};
     }
 }
 

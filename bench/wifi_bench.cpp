@@ -1,5 +1,5 @@
-// The Wi-Fi functions with 200 networks in the air, beside libmnl alone asking for the same answers
-// and reading them. The kernel is played: what is measured is the library's own work.
+// The Wi-Fi functions with 200 networks, compared with libmnl alone that sends the same requests
+// and reads the replies. The kernel is played, so only the library's own work is measured.
 #include "bench/bench.h"
 #include "console-manager/wifi.h"
 #include "support/nl80211_kernel.h"
@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kNetworks = 200;
 
-// Walks through the nest that tells of a network, a station or a family, and validates its numbers.
+// Walks through the nest of a network, a station or a family, and validates its numbers.
 int readInner(const nlattr* attribute, void*) {
     const bool isNumber = mnl_attr_get_payload_len(attribute) == sizeof(uint32_t);
     return isNumber ? mnl_attr_validate(attribute, MNL_TYPE_U32) + 1 : MNL_CB_OK;
@@ -43,10 +43,17 @@ void bareStation(mnl_socket* socket) {
     ask(socket, NL80211_CMD_GET_STATION, NL80211_ATTR_STA_INFO);
 }
 
-// With sockets for notifications and for commands, as the library has them.
+mnl_socket* openSocket() {
+    mnl_socket* const socket = mnl_socket_open(NETLINK_GENERIC);
+    fcntl(mnl_socket_get_fd(socket), F_SETFD, FD_CLOEXEC);
+    mnl_socket_bind(socket, 0, MNL_SOCKET_AUTOPID);
+    return socket;
+}
+
+// With sockets for notifications and for commands, like the library.
 void bareHandle(void (*use)(mnl_socket*)) {
-    mnl_socket* const notifications = mnl_socket_open(NETLINK_GENERIC);
-    mnl_socket* const commands = mnl_socket_open(NETLINK_GENERIC);
+    mnl_socket* const notifications = openSocket();
+    mnl_socket* const commands = openSocket();
     ask(notifications, CTRL_CMD_GETFAMILY, CTRL_ATTR_MCAST_GROUPS);
     use(commands);
     mnl_socket_close(commands);
@@ -70,10 +77,10 @@ void measureWifi() {
                                           acknowledgement()};
     wifi_data* const wifi = wifi_scan_init("wlan7");
     mnl_socket* const notifying = kernel.notifying;
-    // Of every two sockets the first gets the notifications.
+    // The first of every two sockets gets the notifications.
     mnl_socket_open(NETLINK_GENERIC);
     mnl_socket* const bare = mnl_socket_open(NETLINK_GENERIC);
-    // What the kernel remembers of the requests would grow.
+    // The kernel's record of the requests would grow.
     const Work before = [=] {
         kernel.sent.clear();
         kernel.commands.clear();
@@ -82,7 +89,7 @@ void measureWifi() {
     measure({"wifi_scan_init + wifi_scan_close", [] { wifi_scan_close(wifi_scan_init("wlan7")); },
              [] { bareHandle([](mnl_socket*) {}); }, before, before});
     const auto scan = [=] {
-        // The scan has ended, so that none is waited for.
+        // The scan has ended, so the call doesn't wait.
         kernel.notifications = {notification(NL80211_CMD_NEW_SCAN_RESULTS)};
         require(wifi_scan_all(wifi, records, kNetworks) == kNetworks, "a scan");
     };

@@ -222,7 +222,7 @@ TEST_F(Wifi, NotificationsDecideWhetherToScan) {
         {"", ".a", -1, "33 ", EBUSY, "rt"}, {"", "", -1, "33 ", EIO, "rt"},
         {"", "r", 0, "33 32 ", 0, "rt"},
         // One that ended in that call, or was another port's.
-        {"", "", -1, "33 ", EBUSY, "tr"}, {"", "", -1, "33 ", EBUSY, "tra"},
+        {"", "", -1, "33 ", EBUSY, "tr"}, {"", "", -1, "33 ", EBUSY, "taR"},
         {"", "", -1, "33 ", EBUSY, "rT"}};
     // clang-format on
     const std::map<char, int> ignored = {{'a', 35}, {'A', 35}, {'b', 35}, {'x', 77}, {'y', 0}};

@@ -10,6 +10,7 @@
 #include "contracts/trace_debug.h"
 #include "settings/log_message.h"
 #include "system/deleted_by.h"
+#include "system/no_cancellation.h"
 
 namespace {
 
@@ -30,7 +31,7 @@ constexpr auto kListTables = std::to_array<const char*>({
 });
 #undef LIST_TABLES
 
-// Without a logger messages are printed all the same; only a logger's flags can silence them.
+// Only the flags of a logger silence messages; without a logger they are printed.
 bool messagesEnabled() {
     const TDL_LoggerRecord* const logger = TDL_logger();
     return logger == nullptr || (logger->flags & TDL_FLAG_DATABASE_MESSAGES) != 0;
@@ -46,13 +47,14 @@ struct SettingsDatabase {
     std::atomic<bool> isOpening = false;
     std::atomic<int> attempts = 0;  // to open it, that are over
 
-    // After the first success one load and one test. Of threads that come first together one opens,
-    // and the others take what it got: with an attempt of its own for each, one after another, the
-    // last would wait many times as long for a database that can't be used.
+    // After the first success one load and one test. If several threads arrive first, one opens the
+    // database and the others wait for its result. If each tried in turn, the last would wait many
+    // times as long.
     sqlite3* open() {
         if (sqlite3* const open = handle.load(std::memory_order_acquire)) {
             return open;
         }
+        const NoCancellation whole;
         const int before = attempts;
         if (isOpening.exchange(true)) {
             attempts.wait(before);
@@ -68,11 +70,11 @@ struct SettingsDatabase {
     }
 
     sqlite3* connect() const {
-        // The command's result says nothing that the open wouldn't.
+        // If the command fails, so does the open.
         [[maybe_unused]] const int status = std::system(directoryCommand);
         sqlite3* local = nullptr;
         const int result = sqlite3_open(path, &local);
-        // A failed open leaves a connection to be closed, too.
+        // A failed open, too, leaves a connection that has to be closed.
         Connection connection(local);
         if (result != SQLITE_OK) {
             if (messagesEnabled()) {

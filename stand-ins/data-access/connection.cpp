@@ -1,9 +1,12 @@
 #include "stand-ins/data-access/connection.h"
 
-#include <map>
-#include <mutex>
+#include <pthread.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <new>
-#include <utility>
+
+#include "stand-ins/data-access/journal_index.h"
 
 namespace {
 
@@ -12,12 +15,29 @@ struct Connections {
     std::map<sqlite3*, std::unique_ptr<Connection>> byHandle;
 };
 
-// Never destroyed: connections live until the process ends, and other threads may still be calling
-// while it does.
+Connections& connections();
+
+// At the normal end of the process. A child that fork has made must not touch its parent's.
+struct AtEnd {
+    pid_t process = getpid();
+    ~AtEnd() {
+        if (getpid() == process) {
+            const std::lock_guard guard(connections().mutex);
+            for (auto& [handle, connection] : connections().byHandle) {
+                connection->emptyJournal();
+            }
+        }
+    }
+};
+
+// Never destroyed: other threads may still be calling while the process ends.
 Connections& connections() {
     static Connections& all = *new Connections;
+    static const AtEnd atEnd;
     return all;
 }
+
+thread_local int32_t causeOfNone = SQLITE_CANTOPEN;
 
 int forget(unsigned /*event*/, void* /*context*/, void* handle, void* /*unused*/) {
     std::unique_ptr<Connection> gone;
@@ -26,60 +46,161 @@ int forget(unsigned /*event*/, void* /*context*/, void* handle, void* /*unused*/
     if (found != connections().byHandle.end()) {
         gone = std::move(found->second);
         connections().byHandle.erase(found);
+        causeOfNone = gone->failure == SQLITE_OK ? SQLITE_CANTOPEN : gone->failure;
     }
     return 0;
 }
 
-Connection* find(sqlite3* handle) {
-    const std::lock_guard guard(connections().mutex);
-    const auto found = connections().byHandle.find(handle);
-    return found == connections().byHandle.end() ? nullptr : found->second.get();
-}
-
-// The name, or an empty one for a database that has no file.
-std::string fileOf(sqlite3* handle) {
+// The path, or an empty text for a database that has no file.
+const char* fileOf(sqlite3* handle) {
     const char* const name = sqlite3_db_filename(handle, "main");
     return name == nullptr ? "" : name;
 }
 
+ino_t inodeOf(const char* path) {
+    struct stat file {};
+    return *path != '\0' && stat(path, &file) == 0 ? file.st_ino : 0;
+}
+
+// Rolls back what the ending thread has left open.
+void endThread(void* /*key*/) {
+    const std::lock_guard guard(connections().mutex);
+    for (auto& [handle, connection] : connections().byHandle) {
+        connection->giveUp();
+    }
+}
+
+// Has endThread called when the calling thread ends. False when memory has run out.
+bool watchThread() {
+    static pthread_key_t key;
+    static const bool isMade = pthread_key_create(&key, endThread) == 0;
+    return isMade && pthread_setspecific(key, &key) == 0;
+}
+
 }  // namespace
 
+sqlite3_stmt* Session::statement(const char* pattern, std::string_view list) {
+    constexpr std::string_view kPlaceholder = "LIST";
+    const auto known = statements.find(std::pair(pattern, list));
+    if (known != statements.end()) {
+        return known->second.get();
+    }
+    std::string sql = pattern;
+    for (size_t at = 0; (at = sql.find(kPlaceholder, at)) != std::string::npos;) {
+        sql.replace(at, kPlaceholder.size(), list);
+        at += list.size();
+    }
+    Statement made = prepare(handle, sql);
+    if (!made) {
+        return nullptr;
+    }
+    return statements.emplace(std::pair(pattern, list), std::move(made)).first->second.get();
+}
+
 Connection* Connection::of(sqlite3* handle) try {
-    if (Connection* const known = find(handle)) {
-        return known;
+    const std::lock_guard guard(connections().mutex);
+    auto& all = connections().byHandle;
+    const auto known = all.find(handle);
+    if (known != all.end()) {
+        return known->second.get();
     }
-    const ConnectionLock lock(handle);
-    if (Connection* const known = find(handle)) {
-        return known;
-    }
-    auto made = std::make_unique<Connection>(handle);
-    Connection* const result = made.get();
-    {
-        const std::lock_guard guard(connections().mutex);
-        connections().byHandle.emplace(handle, std::move(made));
-    }
-    sqlite3_busy_handler(handle, waitForReaders, result);
-    // Called before SQLite looks for unfinished statements, which would make it refuse the close.
+    Connection* const made =
+        all.emplace(handle, std::make_unique<Connection>(handle)).first->second.get();
+    guardIndex(handle, Index::kShared);
+    sqlite3_busy_handler(handle, waitForReaders, made);
+    // Called before SQLite looks for unfinished statements, with which it refuses to close.
     sqlite3_trace_v2(handle, SQLITE_TRACE_CLOSE, forget, nullptr);
-    return result;
+    return made;
 } catch (const std::bad_alloc&) {
     return nullptr;
 }
 
+int32_t Connection::takeCauseOfNone() {
+    return std::exchange(causeOfNone, SQLITE_CANTOPEN);
+}
+
 Connection::Connection(sqlite3* connection)
-    : turns(Turns::of(fileOf(connection))), transactions(connection), handle(connection) {}
+    : session(connection), turns(Turns::of(fileOf(connection))), transactions(connection) {}
+
+int32_t Connection::begin() {
+    const Moments moments(kLongestWait);
+    Turn turn(turns, moments.start());
+    int32_t result = watchThread() ? SQLITE_OK : SQLITE_NOMEM;
+    if (result == SQLITE_OK) {
+        result = attempt(moments, [&] {
+            transactions.refusals.takeOfThisThread();
+            const int32_t begun = isMoved() ? SQLITE_READONLY : transactions.begin();
+            if (begun == SQLITE_OK) {
+                transactions.own(std::move(turn));
+            }
+            return begun;
+        });
+    }
+    if (endsTransaction(result)) {
+        const std::lock_guard lock(mutex);
+        transactions.refusals.add(result);
+    }
+    return result;
+}
 
 bool Connection::hasTable(const char* name) {
-    return once(Clock::time_point(), [&] {
-               return sqlite3_table_column_metadata(handle, "main", name, nullptr, nullptr, nullptr,
-                                                    nullptr, nullptr, nullptr);
+    return readOnce(Clock::time_point(), [&](Session& used) {
+               return primaryCode(sqlite3_table_column_metadata(
+                   used.get(), "main", name, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
            }) == SQLITE_OK;
 }
 
-// SQLite asks whether to go on trying. Who has the write lock and is held up by readers, in
-// rollback mode, keeps it: new ones can't come in. All others wait without the connection.
+void Connection::noteJournal() {
+    const char* const file = fileOf(get());
+    journal = *file == '\0' ? 0 : inodeOf(sqlite3_filename_wal(file));
+}
+
+// Whether the database or its write-ahead journal has been removed or replaced: what is written
+// then is lost.
+bool Connection::isMoved() const {
+    int moved = 0;
+    sqlite3_file_control(get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    return moved != 0 || (journal != 0 && inodeOf(sqlite3_filename_wal(fileOf(get()))) != journal);
+}
+
+// A second connection for one read, on which the index is no obstacle.
+std::unique_ptr<sqlite3, DeletedBy<sqlite3_close>> Connection::openReader() const {
+    sqlite3* opened = nullptr;
+    const int result = sqlite3_open_v2(fileOf(get()), &opened, SQLITE_OPEN_READONLY, nullptr);
+    std::unique_ptr<sqlite3, DeletedBy<sqlite3_close>> reader(opened);
+    if (result != SQLITE_OK) {
+        return nullptr;
+    }
+    guardIndex(opened, Index::kOwn);
+    return reader;
+}
+
+// Copies the write-ahead journal into the database and truncates it, so that the database is whole
+// without it. Not while somebody else uses either; and the last to end has them alone.
+void Connection::emptyJournal() {
+    const std::unique_lock lock(mutex, std::try_to_lock);
+    if (lock && !isMoved()) {
+        deadline = Clock::time_point();
+        sqlite3_wal_checkpoint_v2(get(), "main", SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+    }
+}
+
+void Connection::giveUp() {
+    if (!transactions.isMine() && transactions.refusals.areNone()) {
+        return;
+    }
+    const std::lock_guard lock(mutex);
+    transactions.refusals.takeOfThisThread();
+    if (transactions.isMine()) {
+        transactions.rollBack();
+        transactions.disown();
+    }
+}
+
+// SQLite asks whether to try again. An operation that has the write lock and waits for readers, in
+// rollback mode, keeps the lock: no new ones come. All others wait without the connection.
 int Connection::waitForReaders(void* self, int /*tries*/) {
     const auto& connection = *static_cast<const Connection*>(self);
-    return sqlite3_txn_state(connection.handle, "main") == SQLITE_TXN_WRITE &&
+    return sqlite3_txn_state(connection.get(), "main") == SQLITE_TXN_WRITE &&
            Moments(connection.deadline).pass();
 }

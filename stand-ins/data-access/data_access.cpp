@@ -1,19 +1,16 @@
 #include "contracts/data_access.h"
 
-#include "stand-ins/data-access/configuration.h"
-#include "stand-ins/data-access/flat_key_table.h"
 #include "stand-ins/data-access/items.h"
-#include "stand-ins/data-access/query.h"
+#include "stand-ins/data-access/set_up.h"
+#include "stand-ins/data-access/statements.h"
 
 namespace {
 
+// If the caller then closes the connection, this result is that of its next call without one.
 template <typename Work>
-int32_t use(sqlite3* handle, Work work) {
-    if (handle == nullptr) {
-        return SQLITE_MISUSE;
-    }
-    Connection* const connection = Connection::of(handle);
-    return connection == nullptr ? SQLITE_NOMEM : work(*connection);
+int32_t settingUp(sqlite3* handle, Work work) {
+    return useConnection(
+        handle, [&](Connection& connection) { return connection.failure = work(connection); });
 }
 
 }  // namespace
@@ -21,21 +18,21 @@ int32_t use(sqlite3* handle, Work work) {
 #pragma GCC visibility push(default)
 
 int32_t DAL_SetDBConfiguration(sqlite3* connection) {
-    return use(connection, configure);
+    return settingUp(connection, configure);
 }
 
 int32_t DAL_CreateFlatKeyTable(sqlite3* connection) {
-    return use(connection, createFlatKeyTable);
+    return settingUp(connection, createFlatKeyTable);
 }
 
 int32_t DAL_DeleteFlatKeyTable(sqlite3* connection) {
-    return use(connection, deleteFlatKeyTable);
+    return useConnection(connection, deleteFlatKeyTable);
 }
 
 int32_t DAL_ExecuteQuery(sqlite3* connection, const char* sql) {
-    return sql == nullptr
-               ? SQLITE_MISUSE
-               : use(connection, [&](Connection& used) { return executeQuery(used, sql); });
+    return settingUp(connection, [&](Connection& used) {
+        return sql == nullptr ? SQLITE_MISUSE : executeQuery(used, sql);
+    });
 }
 
 int32_t DAL_getTypeBOOL(sqlite3* connection, const KeyPath* key, BOOL* value, BOOL defaultValue) {

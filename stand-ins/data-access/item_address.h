@@ -46,8 +46,6 @@ struct Address {
     std::string_view list;  // empty for a plain item
     const char* node = nullptr;
     const char* key = nullptr;
-
-    bool isItem() const { return shape == Shape::kPlainItem || shape == Shape::kListItem; }
 };
 
 // Nothing for a path of no known shape. The address points into the path's strings.

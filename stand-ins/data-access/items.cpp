@@ -6,38 +6,55 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <optional>
 #include <vector>
 
-#include "stand-ins/data-access/connection.h"
-#include "stand-ins/data-access/item_values.h"
+#include "stand-ins/data-access/statements.h"
 #include "system/deleted_by.h"
 
 namespace {
 
-// Looks an item up and hands its text to deliver, or nothing where there is none. deliver is called
-// exactly once, whatever fails.
+bool isItem(const Address& address) {
+    return address.shape == Shape::kPlainItem || address.shape == Shape::kListItem;
+}
+
+// Runs work on the connection and on what the path addresses, where allowed says so.
+template <typename Allowed, typename Work>
+int32_t use(sqlite3* handle, const KeyPath* path, Allowed allowed, Work work) {
+    return useConnection(handle, [&](Connection& connection) {
+        const auto address = parse(path);
+        return address && allowed(*address) ? work(connection, *address) : SQLITE_MISUSE;
+    });
+}
+
+template <typename Work>
+int32_t useItem(sqlite3* handle, const KeyPath* path, bool isProfileAllowed, Work work) {
+    return use(
+        handle, path, [&](const Address& address) { return isItem(address) && isProfileAllowed; },
+        work);
+}
+
+// The text of an item that was looked up; nothing where there is none, or the look-up failed.
+using StoredText = std::optional<std::string_view>;
+
+// Looks an item up and hands its text to deliver, which is called exactly once, whatever fails.
 template <typename Deliver>
 int32_t readItem(sqlite3* handle, const KeyPath* path, const Profile& profile, Deliver deliver) {
-    const auto address = parse(path);
-    if (handle == nullptr || !address || !address->isItem() || !profile.isOne()) {
-        deliver(StoredText());
-        return SQLITE_MISUSE;
-    }
     bool delivered = false;
-    const auto look = [&](Connection& connection) {
-        Run run(connection.get(), connection.statements, Verb::kGet, *address, profile);
-        const int32_t result = run.step();
-        if (result != SQLITE_ROW) {
-            return result == SQLITE_DONE ? SQLITE_OK : result;
-        }
-        const StoredText text = run.text();
-        deliver(text);
-        delivered = true;
-        return text || run.isNull() ? SQLITE_OK : SQLITE_NOMEM;
+    const auto look = [&](Connection& connection, const Address& address) {
+        return connection.read([&](Session& session) {
+            Run run(session, Verb::kGet, address, profile);
+            const int32_t result = run.step();
+            if (result != SQLITE_ROW) {
+                return result == SQLITE_DONE ? SQLITE_OK : result;
+            }
+            const StoredText text = run.text();
+            deliver(text);
+            delivered = true;
+            return text || run.isNull() ? SQLITE_OK : SQLITE_NOMEM;
+        });
     };
-    Connection* const connection = Connection::of(handle);
-    const int32_t result =
-        connection == nullptr ? SQLITE_NOMEM : connection->read([&] { return look(*connection); });
+    const int32_t result = useItem(handle, path, profile.isOne(), look);
     if (!delivered) {
         deliver(StoredText());
     }
@@ -46,53 +63,50 @@ int32_t readItem(sqlite3* handle, const KeyPath* path, const Profile& profile, D
 
 int32_t writeItem(sqlite3* handle, const KeyPath* path, const Profile& profile,
                   std::string_view text) {
-    const auto address = parse(path);
-    if (handle == nullptr || !address || !address->isItem() || !profile.isOne()) {
-        return SQLITE_MISUSE;
-    }
-    Connection* const connection = Connection::of(handle);
-    if (connection == nullptr) {
-        return SQLITE_NOMEM;
-    }
-    const auto set = [&] {
-        Run run(connection->get(), connection->statements, Verb::kSet, *address, profile);
-        run.bind(kValue, text);
-        return run.finish();
-    };
-    const auto setWithNode = [&] {
-        const int32_t result =
-            Run(connection->get(), connection->statements, Verb::kAddNode, *address, profile)
-                .finish();
-        return result == SQLITE_OK ? set() : result;
-    };
-    return address->shape == Shape::kPlainItem
-               ? connection->write(set)
-               : connection->write([&] { return connection->transactions.asOne(setWithNode); });
-}
-
-int32_t deleteRows(sqlite3* handle, const Address& address, const Profile& profile) {
-    const Verb verb = profile.isAll() ? Verb::kDeleteInAllProfiles : Verb::kDelete;
-    Connection* const connection = Connection::of(handle);
-    return connection == nullptr ? SQLITE_NOMEM : connection->write([&] {
-        return Run(connection->get(), connection->statements, verb, address, profile).finish();
+    return useItem(handle, path, profile.isOne(), [&](Connection& used, const Address& address) {
+        const auto set = [&] {
+            Run run(used.session, Verb::kSet, address, profile);
+            run.bind(kValue, text);
+            return run.finish();
+        };
+        const auto setWithNode = [&] {
+            const int32_t result = Run(used.session, Verb::kAddNode, address, profile).finish();
+            return result == SQLITE_OK ? set() : result;
+        };
+        return address.shape == Shape::kPlainItem
+                   ? used.write(set)
+                   : used.write([&] { return used.transactions.asOne(setWithNode); });
     });
 }
 
-int32_t isPresent(sqlite3* handle, const Address& address, const Profile& profile) {
-    Connection* const connection = Connection::of(handle);
-    return connection != nullptr && connection->read([&] {
-        return Run(connection->get(), connection->statements, Verb::kIsPresent, address, profile)
-            .step();
-    }) == SQLITE_ROW;
+int32_t deleteRows(Connection& connection, const Address& address, const Profile& profile) {
+    const Verb verb = profile.isAll() ? Verb::kDeleteInAllProfiles : Verb::kDelete;
+    return connection.write(
+        [&] { return Run(connection.session, verb, address, profile).finish(); });
+}
+
+// SQLITE_ROW if there is a row.
+int32_t findRow(Connection& connection, const Address& address, const Profile& profile) {
+    return connection.read(
+        [&](Session& session) { return Run(session, Verb::kIsPresent, address, profile).step(); });
+}
+
+// In a block from malloc; null when memory has run out.
+char* copyOf(std::string_view text) {
+    auto* const copy = static_cast<char*>(std::malloc(text.size() + 1));
+    if (copy != nullptr) {
+        copy[text.copy(copy, text.size())] = '\0';
+    }
+    return copy;
 }
 
 using Id = std::unique_ptr<char, DeletedBy<std::free>>;
 using Ids = std::vector<Id>;
 
 // Throws std::bad_alloc.
-int32_t readNodes(Connection& connection, const Address& list, const Profile& profile, Ids& ids) {
+int32_t readNodes(Session& session, const Address& list, const Profile& profile, Ids& ids) {
     ids.clear();
-    Run run(connection.get(), connection.statements, Verb::kListNodes, list, profile);
+    Run run(session, Verb::kListNodes, list, profile);
     int32_t result = run.step();
     for (; result == SQLITE_ROW; result = run.step()) {
         const StoredText text = run.text();
@@ -105,18 +119,36 @@ int32_t readNodes(Connection& connection, const Address& list, const Profile& pr
     return result == SQLITE_DONE ? SQLITE_OK : result;
 }
 
+// A 32-bit integer in decimal; nothing for any other text.
+std::optional<int32_t> numberIn(std::string_view text) {
+    int32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
 }  // namespace
 
 int32_t readNumber(sqlite3* handle, const KeyPath* path, const Profile& profile, int32_t* value,
                    int32_t defaultValue) {
-    return readItem(handle, path, profile,
-                    [&](StoredText text) { deliverNumber(text, value, defaultValue); });
+    return readItem(handle, path, profile, [&](StoredText text) {
+        if (value != nullptr) {
+            *value = text ? numberIn(*text).value_or(defaultValue) : defaultValue;
+        }
+    });
 }
 
 int32_t readString(sqlite3* handle, const KeyPath* path, const Profile& profile, char* buffer,
                    uint32_t* valueInfo, size_t size, const char* defaultValue) {
     return readItem(handle, path, profile, [&](StoredText text) {
-        deliverString(text, buffer, valueInfo, size, defaultValue);
+        const std::string_view delivered =
+            text.value_or(defaultValue == nullptr ? std::string_view() : defaultValue);
+        if (valueInfo != nullptr) {
+            *valueInfo = static_cast<uint32_t>(delivered.size());
+        }
+        if (buffer != nullptr && size > 0) {
+            buffer[delivered.copy(buffer, size - 1)] = '\0';
+        }
     });
 }
 
@@ -159,51 +191,47 @@ int32_t writeString(sqlite3* handle, const KeyPath* path, const Profile& profile
 }
 
 int32_t deleteItem(sqlite3* handle, const KeyPath* path, const Profile& profile) {
-    const auto address = parse(path);
-    if (handle == nullptr || !address || !address->isItem() ||
-        !(profile.isOne() || profile.isAll())) {
-        return SQLITE_MISUSE;
-    }
-    return deleteRows(handle, *address, profile);
+    return useItem(
+        handle, path, profile.isOne() || profile.isAll(),
+        [&](Connection& used, const Address& item) { return deleteRows(used, item, profile); });
 }
 
 int32_t isItemPresent(sqlite3* handle, const KeyPath* path, const Profile& profile) {
-    const auto address = parse(path);
-    return handle != nullptr && address && address->isItem() && profile.isOne()
-               ? isPresent(handle, *address, profile)
-               : 0;
+    return useItem(handle, path, profile.isOne(), [&](Connection& used, const Address& item) {
+               return findRow(used, item, profile);
+           }) == SQLITE_ROW;
 }
 
 int32_t deleteNodes(sqlite3* handle, const KeyPath* path, const Profile& profile) {
-    const auto address = parse(path);
-    const bool whole = address && address->shape == Shape::kWholeList && profile.isAll();
-    const bool single =
-        address && address->shape == Shape::kNode && (profile.isOne() || profile.isAll());
-    if (handle == nullptr || !(whole || single)) {
-        return SQLITE_MISUSE;
-    }
-    return deleteRows(handle, *address, profile);
+    const auto isAllowed = [&](const Address& address) {
+        return (address.shape == Shape::kWholeList && profile.isAll()) ||
+               (address.shape == Shape::kNode && (profile.isOne() || profile.isAll()));
+    };
+    return use(handle, path, isAllowed, [&](Connection& used, const Address& nodes) {
+        return deleteRows(used, nodes, profile);
+    });
 }
 
 int32_t isNodePresent(sqlite3* handle, const KeyPath* path, const Profile& profile) {
-    const auto address = parse(path);
-    return handle != nullptr && address && address->shape == Shape::kNode && profile.isOne()
-               ? isPresent(handle, *address, profile)
-               : 0;
+    const auto isAllowed = [&](const Address& address) {
+        return address.shape == Shape::kNode && profile.isOne();
+    };
+    return use(handle, path, isAllowed, [&](Connection& used, const Address& node) {
+               return findRow(used, node, profile);
+           }) == SQLITE_ROW;
 }
 
 char** listNodes(sqlite3* handle, const KeyPath* path, const char* listName,
                  const Profile& profile) try {
-    const auto address = parse(path);
-    if (handle == nullptr || !address || address->shape != Shape::kWholeList || !profile.isOne() ||
-        listName == nullptr || address->list != listName) {
-        return nullptr;
-    }
-    Connection* const connection = Connection::of(handle);
+    const auto isAllowed = [&](const Address& address) {
+        return address.shape == Shape::kWholeList && profile.isOne() && listName != nullptr &&
+               address.list == listName;
+    };
     Ids ids;
-    if (connection == nullptr || connection->read([&] {
-            return readNodes(*connection, *address, profile, ids);
-        }) != SQLITE_OK) {
+    const auto read = [&](Connection& used, const Address& list) {
+        return used.read([&](Session& session) { return readNodes(session, list, profile, ids); });
+    };
+    if (use(handle, path, isAllowed, read) != SQLITE_OK) {
         return nullptr;
     }
     auto** const array = static_cast<char**>(std::malloc((ids.size() + 1) * sizeof(char*)));

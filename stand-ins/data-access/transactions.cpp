@@ -4,17 +4,25 @@
 #include <new>
 #include <utility>
 
-namespace {
-
-Statement prepared(sqlite3* connection, std::string_view sql) {
-    Statement statement = prepare(connection, sql);
-    if (!statement) {
-        throw std::bad_alloc();
-    }
-    return statement;
+Statement prepare(sqlite3* connection, std::string_view sql) {
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_prepare_v3(connection, sql.data(), static_cast<int>(sql.size()),
+                       SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    return Statement(statement);
 }
 
-}  // namespace
+int32_t execute(sqlite3* connection, const char* sql) {
+    return primaryCode(sqlite3_exec(connection, sql, nullptr, nullptr, nullptr));
+}
+
+ThreadId thisThread() {
+    static std::atomic<ThreadId> last = kNoThread;
+    thread_local ThreadId id = kNoThread;
+    if (id == kNoThread) {
+        id = ++last;
+    }
+    return id;
+}
 
 bool endsTransaction(int32_t result) {
     switch (result) {
@@ -31,26 +39,21 @@ bool endsTransaction(int32_t result) {
     }
 }
 
-int32_t execute(sqlite3* connection, const char* sql) {
-    return primaryCode(sqlite3_exec(connection, sql, nullptr, nullptr, nullptr));
-}
-
 void Refusals::add(int32_t result) {
     Refusal& refusal = all[next++ % all.size()];
     count += refusal.result == SQLITE_OK ? 1 : 0;
-    refusal = {std::this_thread::get_id(), result};
+    refusal = {thisThread(), result};
 }
 
 int32_t Refusals::ofThisThread() const {
-    const auto found =
-        std::ranges::find(all, std::this_thread::get_id(), [](auto& one) { return one.thread; });
+    const auto found = std::ranges::find(all, thisThread(), &Refusal::thread);
     return found == all.end() ? SQLITE_OK : found->result;
 }
 
 int32_t Refusals::takeOfThisThread() {
     const int32_t result = ofThisThread();
     for (Refusal& refusal : all) {
-        if (refusal.thread == std::this_thread::get_id()) {
+        if (refusal.thread == thisThread()) {
             refusal = {};
             --count;
         }
@@ -59,33 +62,36 @@ int32_t Refusals::takeOfThisThread() {
 }
 
 void Transactions::prepareStatements() {
-    beginning = prepared(connection, "BEGIN IMMEDIATE");
-    committing = prepared(connection, "COMMIT");
-    rollingBack = prepared(connection, "ROLLBACK");
-    saving = prepared(connection, "SAVEPOINT dal");
-    undoing = prepared(connection, "ROLLBACK TO dal");
-    releasing = prepared(connection, "RELEASE dal");
+    constexpr const char* kSql[kSteps] = {"BEGIN IMMEDIATE", "COMMIT",          "ROLLBACK",
+                                          "SAVEPOINT dal",   "ROLLBACK TO dal", "RELEASE dal"};
+    for (size_t step = 0; step < kSteps; ++step) {
+        statements[step] = prepare(connection, kSql[step]);
+        if (!statements[step]) {
+            throw std::bad_alloc();
+        }
+    }
 }
 
-int32_t Transactions::run(const Statement& statement) {
-    const int result = sqlite3_step(statement.get());
-    sqlite3_reset(statement.get());
+int32_t Transactions::run(Step step) {
+    sqlite3_stmt* const statement = statements[step].get();
+    const int result = sqlite3_step(statement);
+    sqlite3_reset(statement);
     return result == SQLITE_DONE ? SQLITE_OK : primaryCode(result);
 }
 
 int32_t Transactions::settle() {
-    if (owner.load(std::memory_order_relaxed) != std::thread::id() && !isMine()) {
+    if (owner.load(std::memory_order_relaxed) != kNoThread && !isMine()) {
         return SQLITE_BUSY;
     }
     return isEndDue ? rollBack() : SQLITE_OK;
 }
 
 int32_t Transactions::begin() {
-    return run(beginning);
+    return run(kBegin);
 }
 
 int32_t Transactions::commit() {
-    const int32_t result = run(committing);
+    const int32_t result = run(kCommit);
     if (result != SQLITE_OK) {
         rollBack();
     }
@@ -93,31 +99,27 @@ int32_t Transactions::commit() {
 }
 
 int32_t Transactions::rollBack() {
-    const int32_t result = isOpen() ? run(rollingBack) : SQLITE_OK;
+    const int32_t result = isOpen() ? run(kRollBack) : SQLITE_OK;
     isEndDue = isOpen();
     return isEndDue ? result : SQLITE_OK;
 }
 
-int32_t Transactions::save() {
-    return run(saving);
-}
-
 // What can't be undone fails in such a way that it ends the caller's transaction.
 int32_t Transactions::release(int32_t result) {
-    int32_t end = result == SQLITE_OK ? SQLITE_OK : run(undoing);
+    int32_t end = result == SQLITE_OK ? SQLITE_OK : run(kUndo);
     if (end == SQLITE_OK) {
-        end = run(releasing);
+        end = run(kRelease);
     }
     return end == SQLITE_OK ? result : end;
 }
 
 void Transactions::own(Turn turn) {
-    owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
+    owner.store(thisThread(), std::memory_order_relaxed);
     ownersTurn = std::move(turn);
 }
 
 Turn Transactions::disown() {
-    owner.store(std::thread::id(), std::memory_order_relaxed);
+    owner.store(kNoThread, std::memory_order_relaxed);
     return std::move(ownersTurn);
 }
 

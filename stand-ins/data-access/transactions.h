@@ -7,63 +7,75 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <thread>
+#include <memory>
+#include <string_view>
 
-#include "stand-ins/data-access/statement.h"
-#include "stand-ins/data-access/turn.h"
+#include "stand-ins/data-access/turns.h"
+#include "system/deleted_by.h"
+
+using Statement = std::unique_ptr<sqlite3_stmt, DeletedBy<sqlite3_finalize>>;
+
+// Null if SQLite refuses the text.
+Statement prepare(sqlite3* connection, std::string_view sql);
+
+// The primary code, to which SQLite adds details in the bits above.
+inline int32_t primaryCode(int result) {
+    return result & 0xff;
+}
 
 int32_t execute(sqlite3* connection, const char* sql);
 
-// Whether a transaction is over for what a statement of it, or its beginning, has given. Failures
-// that a statement's own content explains leave it as it is.
+// The number of the calling thread. Unlike a pthread_t it is never used again.
+using ThreadId = uint64_t;
+ThreadId thisThread();
+constexpr ThreadId kNoThread = 0;
+
+// Whether this result of a statement, or of the beginning, ends a transaction. Failures that the
+// statement's own content explains leave it open.
 bool endsTransaction(int32_t result);
 
-// Threads whose transaction has failed, and how. What they go on to do must not be done alone: it
-// is refused until they end the transaction, which fails, too.
+// Threads whose transaction has failed, and how. Their further changes must not be made outside of
+// it: they are refused until the thread ends the transaction.
 class Refusals {
   public:
     void add(int32_t result);
-    bool areNone() const { return count == 0; }  // for any thread, without the lock
+    bool areNone() const { return count == 0; }  // the one function that needs no lock
     int32_t ofThisThread() const;                // 0 if it isn't refused
     int32_t takeOfThisThread();
 
   private:
     struct Refusal {
-        std::thread::id thread;
+        ThreadId thread;
         int32_t result;
     };
-    // A thread more takes the place of the oldest, which can only be one that never ended its
-    // transaction.
+    // One thread more takes the place of the oldest.
     std::array<Refusal, 64> all{};
     size_t next = 0;
     std::atomic<int> count = 0;
 };
 
-// Used with the connection's lock held, isMine apart.
+// Used with the connection locked, except isMine.
 class Transactions {
   public:
     // Throws std::bad_alloc.
     explicit Transactions(sqlite3* on) : connection(on) { prepareStatements(); }
 
-    // All that begins and ends a transaction is prepared beforehand, so that an end needs no
-    // memory. SQLite prepares again, in the middle of the end, what is older than a change of the
-    // connection's settings: so this is called behind one. Throws std::bad_alloc.
+    // Prepares all that begins and ends a transaction, so that an end needs no memory. To be called
+    // after a change of the connection's settings: SQLite would prepare older statements again, in
+    // the middle of an end. Throws std::bad_alloc.
     void prepareStatements();
 
     // Whether the calling thread has a transaction open through DAL_ExecuteQuery.
-    bool isMine() const {
-        return owner.load(std::memory_order_relaxed) == std::this_thread::get_id();
-    }
+    bool isMine() const { return owner.load(std::memory_order_relaxed) == thisThread(); }
     bool isOpen() const { return sqlite3_get_autocommit(connection) == 0; }
 
-    // Comes before every operation: makes up for an end that couldn't be carried out.
-    // SQLITE_BUSY while another thread has a transaction open.
+    // Precedes every operation: retries a rollback that has failed. SQLITE_BUSY while another
+    // thread has a transaction open.
     int32_t settle();
 
-    // The write lock comes with the transaction: SQLITE_BUSY tells that it is another's, and
-    // nothing has been done then.
+    // Begins with the write lock. SQLITE_BUSY, and nothing is done, if somebody else has it.
     int32_t begin();
-    // A commit that fails is undone. A roll-back that fails is due to the next settle.
+    // A commit that fails is rolled back. A rollback that fails is retried by the next settle().
     int32_t commit();
     int32_t rollBack();
 
@@ -71,7 +83,7 @@ class Transactions {
     template <typename Work>
     int32_t asOne(Work work) {
         const bool within = isOpen();
-        if (const int32_t result = within ? save() : begin()) {
+        if (const int32_t result = within ? run(kSave) : begin()) {
             return result;
         }
         const int32_t result = work();
@@ -85,30 +97,25 @@ class Transactions {
         return result;
     }
 
-    // The open transaction is the calling thread's from now on, with the turn in which it writes.
+    // Makes the open transaction the calling thread's, with the turn in which it writes.
     void own(Turn turn);
     Turn disown();
 
-    // After a statement of the caller's transaction, with its result, which is given back. One that
-    // has failed for want of memory, room or the like ends the transaction; so the rest is refused.
-    // The turn is for the caller to give up when it has unlocked the connection.
+    // After a statement of the caller's transaction with this result, which it returns. A failure
+    // that ends the transaction rolls it back, and the rest is refused. The caller releases the
+    // turn when it has unlocked the connection.
     int32_t afterStatement(int32_t result, Turn& ended);
 
     Refusals refusals;
 
   private:
-    int32_t run(const Statement& statement);
-    int32_t save();
+    enum Step { kBegin, kCommit, kRollBack, kSave, kUndo, kRelease, kSteps };
+    int32_t run(Step step);
     int32_t release(int32_t result);
 
     sqlite3* connection;
-    Statement beginning;
-    Statement committing;
-    Statement rollingBack;
-    Statement saving;
-    Statement undoing;
-    Statement releasing;
+    std::array<Statement, kSteps> statements;
     bool isEndDue = false;
-    std::atomic<std::thread::id> owner;
+    std::atomic<ThreadId> owner = kNoThread;
     Turn ownersTurn;
 };

@@ -2,9 +2,7 @@
 // it the logger.
 #include "contracts/data_access.h"
 
-#include <dlfcn.h>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -38,22 +36,6 @@ extern "C" int clock_gettime(clockid_t, timespec* now) {
     milliseconds += pace;
     *now = {static_cast<time_t>(milliseconds / 1000), milliseconds % 1000 * 1'000'000};
     return 0;
-}
-
-// A statement that fails, by its SQL.
-static std::string failing;
-
-extern "C" int sqlite3_step(sqlite3_stmt* statement) {
-    static const auto next =
-        reinterpret_cast<decltype(&sqlite3_step)>(dlsym(RTLD_NEXT, "sqlite3_step"));
-    return !failing.empty() && failing == sqlite3_sql(statement) ? SQLITE_NOMEM : next(statement);
-}
-
-extern "C" int sqlite3_exec(sqlite3* db, const char* sql, sqlite3_callback each, void* context,
-                            char** message) {
-    static const auto next =
-        reinterpret_cast<decltype(&sqlite3_exec)>(dlsym(RTLD_NEXT, "sqlite3_exec"));
-    return failing == sql ? SQLITE_NOMEM : next(db, sql, each, context, message);
 }
 
 namespace {
@@ -183,38 +165,6 @@ TEST_F(DataAccess, ThreadsThatOpenAtOnceWaitOnce) {
     waiting.join();
 }
 
-TEST_F(DataAccess, WhatOneOfItsStatementsCantDoIsUndoneAsAWhole) {
-    open();
-    const auto isOk = [&](const char* sql, const std::function<int32_t()>& call) {
-        failing = sql;
-        const int32_t result = call();
-        failing.clear();
-        EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, 1, 0, 1, 1), 0) << "the call behind it";
-        EXPECT_EQ(query(kFile, kFlatRows + "; SELECT * FROM tbl_home_screen_icons"), "k||1") << sql;
-        return result == 0;
-    };
-    const auto configure = [&] { return DAL_SetDBConfiguration(db); };
-    const auto setInList = [&] { return DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0); };
-    const auto setWithin = [&](const char* end) {
-        const int32_t begun = DAL_ExecuteQuery(db, "BEGIN TRANSACTION;");
-        const int32_t set = setInList();
-        EXPECT_EQ(DAL_deleteItem(db, &kItem) == 0, set == 0) << "else the rest is refused";
-        return begun + set + DAL_ExecuteQuery(db, end);
-    };
-    for (const char* const sql : {"PRAGMA synchronous = EXTRA", "PRAGMA journal_mode",
-                                  "PRAGMA journal_size_limit = 524288"}) {
-        EXPECT_FALSE(isOk(sql, configure)) << sql;
-    }
-    for (const char* const sql : {"BEGIN IMMEDIATE", "COMMIT"}) {
-        EXPECT_FALSE(isOk(sql, setInList)) << sql;
-        EXPECT_FALSE(isOk(sql, [&] { return setWithin("COMMIT"); })) << sql;
-    }
-    for (const char* const sql : {"SAVEPOINT dal", "RELEASE dal"}) {
-        EXPECT_FALSE(isOk(sql, [&] { return setWithin("COMMIT"); })) << sql;
-    }
-    EXPECT_FALSE(isOk("ROLLBACK", [&] { return setWithin("ROLLBACK"); })) << "and is made up for";
-}
-
 TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {
     open();
     const std::string file = "/mnt/vex-data/m7/other.db";
@@ -223,6 +173,7 @@ TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {
     sqlite3_open(file.c_str(), &reader);
     sqlite3_open(file.c_str(), &own);
     EXPECT_EQ(sqlite3_exec(reader, "BEGIN; SELECT * FROM t", nullptr, nullptr, nullptr), 0);
+    close(STDIN_FILENO);  // its number is that of the file of the turns
     const int64_t before = milliseconds;
     EXPECT_EQ(DAL_ExecuteQuery(own, "BEGIN") + DAL_ExecuteQuery(own, "ROLLBACK"), 0);
     EXPECT_EQ(DAL_SetDBConfiguration(own), 0);
@@ -236,41 +187,74 @@ TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {
     sqlite3_close(own);
 }
 
-// Locks of the file's places, as other processes have them.
-TEST_F(DataAccess, WhoComesWaitsForTheTurnAndBehindAllWhoWait) {
+// The locks of other processes, which a descriptor of the test's own has.
+TEST_F(DataAccess, ATurnIsWaitedForButOnceIfItNeverComes) {
     open();
     const int turns = ::open((kFile + "-turn").c_str(), O_RDWR | O_CLOEXEC);
     EXPECT_EQ(run("stat -c %a:%u " + kFile + "-turn"), run("stat -c %a:%u " + kFile));
+    const auto lock = [=](short type, off_t place) {
+        struct flock range {
+            type, SEEK_SET, place, 1, 0
+        };
+        return fcntl(turns, F_OFD_SETLK, &range);
+    };
+    const auto timeToSet = [&] {
+        const int64_t before = milliseconds += 2;  // a look at the places counts for one
+        EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0);
+        return milliseconds - before;
+    };
     EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN IMMEDIATE"), 0);
     std::thread([&] {
         pace = 10;
         EXPECT_EQ(DAL_deleteItem(db, &kItem), SQLITE_BUSY);
     }).join();
-    EXPECT_EQ(flock(turns, LOCK_EX | LOCK_NB), -1) << "whose turn it is keeps it";
+    EXPECT_EQ(lock(F_WRLCK, 0), -1) << "the transaction keeps its turn";
     EXPECT_EQ(DAL_ExecuteQuery(db, "COMMIT"), 0);
-    for (const off_t place : {0, 1, 6}) {
-        const auto lock = [=](short type) {
-            struct flock range {
-                type, SEEK_SET, place, 1, 0
-            };
-            return place > 0 ? fcntl(turns, F_OFD_SETLK, &range)
-                             : flock(turns, type == F_UNLCK ? LOCK_UN : LOCK_EX);
-        };
-        EXPECT_EQ(lock(F_WRLCK), 0);
+    for (const off_t place : {0, 1}) {
+        EXPECT_EQ(lock(F_WRLCK, place), 0);
         int waited = 0;
         whileWaiting = [&] {
-            EXPECT_EQ(flock(turns, LOCK_EX | LOCK_NB), 0) << "who waits for others has it not";
-            EXPECT_EQ(place > 0 ? flock(turns, LOCK_UN) : 0, 0);
-            waited += waited == 3 ? lock(F_UNLCK) : 1;
+            EXPECT_EQ(lock(F_WRLCK, 1 - place), place == 0 ? -1 : 0) << "a waiter has the place";
+            lock(F_UNLCK, 1 - place);
+            waited += waited < 2 ? 1 : 1 + lock(F_UNLCK, place);
         };
-        EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0);
+        EXPECT_LT(timeToSet(), 10);
         EXPECT_EQ(waited, 3);
-        EXPECT_EQ(lock(F_WRLCK), 0);
         whileWaiting = [] {};
-        EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0) << "though the turn never comes";
-        EXPECT_EQ(lock(F_UNLCK), 0);
+        for (int again = 0; again < 2; ++again) {
+            EXPECT_EQ(lock(F_WRLCK, place), 0);
+            EXPECT_NEAR(static_cast<double>(timeToSet()), 5000, 10);
+            EXPECT_EQ(timeToSet(), 0) << "it was waited for already";
+            EXPECT_EQ(lock(F_UNLCK, place), 0);
+            EXPECT_EQ(timeToSet(), 0);
+        }
     }
     close(turns);
+}
+
+// Another thread may get the same pthread_t.
+TEST_F(DataAccess, AThreadsTransactionEndsWithIt) {
+    open();
+    std::thread([&] {
+        EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN TRANSACTION;"), 0);
+        EXPECT_EQ(DAL_setTypeString(db, &kItem, "lost", 0), 0);
+    }).join();
+    EXPECT_EQ(query(kFile, kFlatRows + "; BEGIN IMMEDIATE"), "");
+    std::thread([&] { EXPECT_EQ(DAL_setTypeString(db, &kItem, "kept", 0), 0); }).join();
+    EXPECT_EQ(query(kFile, kFlatRows), "k||kept");
+}
+
+TEST_F(DataAccess, WithoutItsFilesNothingIsSet) {
+    for (const char* const files : {"", "-wal"}) {
+        open();
+        run("mv " + kFile + files + " " + kFile + ".away");
+        EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), SQLITE_READONLY) << files;
+        EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN"), SQLITE_READONLY) << files;
+        EXPECT_EQ(DAL_ExecuteQuery(db, "ROLLBACK"), 0);
+        run("mv " + kFile + ".away " + kFile + files);
+        EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0) << files;
+        sqlite3_close(std::exchange(db, nullptr));
+    }
 }
 
 TEST(TraceDebug, TheRecordIsItsUsersToChange) {

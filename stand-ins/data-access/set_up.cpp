@@ -1,0 +1,161 @@
+#include "stand-ins/data-access/set_up.h"
+
+#include <sys/mman.h>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "system/deleted_by.h"
+
+namespace {
+
+// The change of the journal needs the file to itself, and isn't worth more: a program that reads
+// for longer leaves the journal as it is.
+constexpr Clock::duration kLongestWaitForChange = std::chrono::seconds(1);
+
+constexpr size_t kPage = 4096;
+
+// The journal goes into the database after few pages, so that it stays short: each process that
+// opens the database reads it.
+constexpr int kPagesOfJournal = 100;
+
+// Executes a PRAGMA journal_mode; stores whether the journal is the write-ahead one now.
+int32_t journalMode(sqlite3* connection, const char* sql, bool& isWriteAhead) {
+    const auto look = [](void* is, int, char** values, char**) {
+        *static_cast<bool*>(is) = values[0] != nullptr && std::strcmp(values[0], "wal") == 0;
+        return 0;
+    };
+    return primaryCode(sqlite3_exec(connection, sql, look, &isWriteAhead, nullptr));
+}
+
+// SQLite finds out too late: it changes the journal, and the first use of it fails. So the file of
+// the turns, in the same folder, is mapped. Where there is none nothing is known, and the journal
+// stays as it is.
+enum class SharedMemory { kWorks, kFails, kUnknown };
+
+int32_t trySharedMemory(int file, SharedMemory& memory) {
+    memory = SharedMemory::kUnknown;
+    if (file < 0) {
+        return SQLITE_OK;
+    }
+    void* const mapped = mmap(nullptr, kPage, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    if (mapped != MAP_FAILED) {
+        munmap(mapped, kPage);
+        memory = SharedMemory::kWorks;
+        return SQLITE_OK;
+    }
+    memory = SharedMemory::kFails;
+    return errno == ENOMEM || errno == EAGAIN || errno == ENFILE ? SQLITE_NOMEM : SQLITE_OK;
+}
+
+int32_t useWriteAheadJournal(sqlite3* connection) {
+    // SQLite's busy handler isn't called for it.
+    const Moments moments(kLongestWaitForChange);
+    bool isWriteAhead = false;
+    int32_t result = SQLITE_OK;
+    do {
+        result = journalMode(connection, "PRAGMA journal_mode = WAL", isWriteAhead);
+    } while (result == SQLITE_BUSY && moments.pass());
+    return result == SQLITE_BUSY ? SQLITE_OK : result;
+}
+
+// Makes a database whose journal can't be used here usable. Not on the connection that is to use
+// it: its first look into a database with a write-ahead journal would spoil it. A connection that
+// has the database to itself needs no shared memory for that journal.
+int32_t leaveWriteAheadJournal(const char* database) {
+    for (const bool toItself : {false, true}) {
+        sqlite3* opened = nullptr;
+        int32_t result =
+            primaryCode(sqlite3_open_v2(database, &opened, SQLITE_OPEN_READWRITE, nullptr));
+        const std::unique_ptr<sqlite3, DeletedBy<sqlite3_close>> connection(opened);
+        if (result == SQLITE_OK && toItself) {
+            result = execute(opened, "PRAGMA locking_mode = EXCLUSIVE");
+        }
+        bool isWriteAhead = false;
+        if (result == SQLITE_OK) {
+            result = journalMode(opened,
+                                 toItself ? "PRAGMA journal_mode = DELETE" : "PRAGMA journal_mode",
+                                 isWriteAhead);
+        }
+        if (result == SQLITE_OK || result == SQLITE_BUSY || result == SQLITE_NOMEM || toItself) {
+            return result;
+        }
+    }
+    return SQLITE_OK;
+}
+
+int32_t chooseJournal(Connection& connection) {
+    SharedMemory memory = SharedMemory::kUnknown;
+    if (const int32_t result = trySharedMemory(connection.turns->processes.descriptor(), memory)) {
+        return result;
+    }
+    if (memory == SharedMemory::kFails) {
+        return leaveWriteAheadJournal(sqlite3_db_filename(connection.get(), "main"));
+    }
+    bool isWriteAhead = false;
+    const int32_t result = journalMode(connection.get(), "PRAGMA journal_mode", isWriteAhead);
+    if (result != SQLITE_OK || isWriteAhead || memory == SharedMemory::kUnknown) {
+        return result;
+    }
+    return useWriteAheadJournal(connection.get());
+}
+
+int32_t setUp(Connection& connection) try {
+    sqlite3* const handle = connection.get();
+    int enforced = 0;
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_FKEY, 1, &enforced);
+    int32_t result = enforced == 1 ? chooseJournal(connection) : SQLITE_ERROR;
+    // EXTRA is FULL with the write-ahead journal; with a rollback journal it also syncs the folder,
+    // without which the journal can come back after a power loss and undo what was committed. The
+    // limit is what a journal is cut to that has grown because of a value or a reader.
+    for (const char* const sql :
+         {"PRAGMA synchronous = EXTRA", "PRAGMA journal_size_limit = 524288"}) {
+        result = result == SQLITE_OK ? execute(handle, sql) : result;
+    }
+    if (result == SQLITE_OK) {
+        result = primaryCode(sqlite3_wal_autocheckpoint(handle, kPagesOfJournal));
+    }
+    connection.transactions.prepareStatements();
+    connection.noteJournal();
+    connection.setUp = result == SQLITE_OK ? nullptr : setUp;
+    return result;
+} catch (const std::bad_alloc&) {
+    return SQLITE_NOMEM;
+}
+
+}  // namespace
+
+// On a full volume the connection can still read.
+int32_t configure(Connection& connection) {
+    connection.setUp = setUp;
+    const int32_t result = connection.attempt(Moments(kLongestWait), [] { return SQLITE_OK; });
+    return result == SQLITE_FULL ? SQLITE_OK : result;
+}
+
+int32_t createFlatKeyTable(Connection& connection) {
+    // Without a row id a set writes one tree, and a get searches one.
+    constexpr const char* kCreate =
+        "CREATE TABLE IF NOT EXISTS tbl_dal_key_dal_value ("
+        "c_dal_key TEXT NOT NULL, c_dal_profile_no TEXT NOT NULL, c_dal_value TEXT NOT NULL, "
+        "PRIMARY KEY(c_dal_key, c_dal_profile_no)) WITHOUT ROWID;";
+    if (!connection.hasTable("tbl_dal_key_dal_value")) {
+        const auto create = [&] { return execute(connection.get(), kCreate); };
+        if (const int32_t result = connection.write(create)) {
+            return result;
+        }
+    }
+    // This table is the last to be made: from here on the file holds them all, and what an earlier
+    // process has left in the journal. If it can't be done now, a later set does it.
+    connection.once(Clock::time_point(), [&] {
+        return sqlite3_wal_checkpoint_v2(connection.get(), "main", SQLITE_CHECKPOINT_PASSIVE,
+                                         nullptr, nullptr);
+    });
+    return SQLITE_OK;
+}
+
+int32_t deleteFlatKeyTable(Connection& connection) {
+    return connection.write(
+        [&] { return execute(connection.get(), "DELETE FROM tbl_dal_key_dal_value;"); });
+}

@@ -1,0 +1,193 @@
+#include "stand-ins/data-access/statements.h"
+
+#include <algorithm>
+#include <new>
+
+namespace {
+
+struct Row {
+    Verb verb;
+    Shape shape;
+    const char* sql;  // LIST stands for the name of the list
+};
+
+// A set keeps the row and its place in the indexes where only the value changes.
+constexpr Row kStatements[] = {
+    {Verb::kGet, Shape::kPlainItem,
+     "SELECT c_dal_value FROM tbl_dal_key_dal_value"
+     " WHERE c_dal_key = ?2 AND c_dal_profile_no = ?3"},
+    {Verb::kSet, Shape::kPlainItem,
+     "INSERT INTO tbl_dal_key_dal_value (c_dal_key, c_dal_profile_no, c_dal_value)"
+     " VALUES (?2, ?3, ?4)"
+     " ON CONFLICT (c_dal_key, c_dal_profile_no) DO UPDATE SET c_dal_value = excluded.c_dal_value"},
+    {Verb::kDelete, Shape::kPlainItem,
+     "DELETE FROM tbl_dal_key_dal_value WHERE c_dal_key = ?2 AND c_dal_profile_no = ?3"},
+    {Verb::kDeleteInAllProfiles, Shape::kPlainItem,
+     "DELETE FROM tbl_dal_key_dal_value WHERE c_dal_key = ?2"},
+    {Verb::kIsPresent, Shape::kPlainItem,
+     "SELECT 1 FROM tbl_dal_key_dal_value WHERE c_dal_key = ?2 AND c_dal_profile_no = ?3"},
+
+    {Verb::kGet, Shape::kListItem,
+     "SELECT c_dal_value FROM tbl_LIST_dal_key_dal_value"
+     " WHERE c_LIST = ?1 AND c_dal_key = ?2 AND c_dal_profile_no = ?3"},
+    {Verb::kSet, Shape::kListItem,
+     "INSERT INTO tbl_LIST_dal_key_dal_value (c_LIST, c_dal_key, c_dal_profile_no, c_dal_value)"
+     " VALUES (?1, ?2, ?3, ?4)"
+     " ON CONFLICT (c_LIST, c_dal_key, c_dal_profile_no)"
+     " DO UPDATE SET c_dal_value = excluded.c_dal_value"},
+    {Verb::kDelete, Shape::kListItem,
+     "DELETE FROM tbl_LIST_dal_key_dal_value"
+     " WHERE c_LIST = ?1 AND c_dal_key = ?2 AND c_dal_profile_no = ?3"},
+    {Verb::kDeleteInAllProfiles, Shape::kListItem,
+     "DELETE FROM tbl_LIST_dal_key_dal_value WHERE c_LIST = ?1 AND c_dal_key = ?2"},
+    {Verb::kIsPresent, Shape::kListItem,
+     "SELECT 1 FROM tbl_LIST_dal_key_dal_value"
+     " WHERE c_LIST = ?1 AND c_dal_key = ?2 AND c_dal_profile_no = ?3"},
+
+    {Verb::kAddNode, Shape::kListItem,
+     "INSERT OR IGNORE INTO tbl_LIST (c_LIST, c_dal_profile_no) VALUES (?1, ?3)"},
+    {Verb::kDelete, Shape::kNode,
+     "DELETE FROM tbl_LIST WHERE c_LIST = ?1 AND c_dal_profile_no = ?3"},
+    {Verb::kDeleteInAllProfiles, Shape::kNode, "DELETE FROM tbl_LIST WHERE c_LIST = ?1"},
+    {Verb::kIsPresent, Shape::kNode,
+     "SELECT 1 FROM tbl_LIST WHERE c_LIST = ?1 AND c_dal_profile_no = ?3"},
+    {Verb::kDeleteInAllProfiles, Shape::kWholeList, "DELETE FROM tbl_LIST"},
+    {Verb::kListNodes, Shape::kWholeList,
+     "SELECT c_LIST FROM tbl_LIST"
+     " WHERE c_dal_profile_no = ?3 AND c_LIST IS NOT NULL ORDER BY c_LIST"},
+};
+
+const char* patternOf(Verb verb, Shape shape) {
+    return std::ranges::find_if(
+               kStatements, [&](const Row& row) { return row.verb == verb && row.shape == shape; })
+        ->sql;
+}
+
+std::string_view takeWord(std::string_view& sql) {
+    constexpr std::string_view kBetween = " \t\r\n;";
+    sql.remove_prefix(std::min(sql.find_first_not_of(kBetween), sql.size()));
+    const std::string_view word = sql.substr(0, sql.find_first_of(kBetween));
+    sql.remove_prefix(word.size());
+    return word;
+}
+
+template <typename... Word>
+bool isOneOf(std::string_view text, Word... word) {
+    const auto is = [&](std::string_view other) {
+        return text.size() == other.size() &&
+               sqlite3_strnicmp(text.data(), other.data(), static_cast<int>(text.size())) == 0;
+    };
+    return (is(word) || ...);
+}
+
+// Whether only the words follow that may follow BEGIN, COMMIT and ROLLBACK. SQLite interprets the
+// rest.
+bool isPlain(std::string_view rest) {
+    std::string_view word = takeWord(rest);
+    while (isOneOf(word, "TRANSACTION", "DEFERRED", "IMMEDIATE", "EXCLUSIVE")) {
+        word = takeWord(rest);
+    }
+    return word.empty();
+}
+
+// A transaction that has failed before can only be rolled back: its commit fails.
+int32_t end(Connection& connection, const char* sql, bool keep) {
+    Transactions& transactions = connection.transactions;
+    const std::lock_guard lock(connection.mutex);
+    if (const int32_t refusal = transactions.refusals.takeOfThisThread()) {
+        return keep ? refusal : SQLITE_OK;
+    }
+    return connection.once(Clock::now() + kLongestWait, [&] {
+        if (!transactions.isMine()) {
+            return execute(connection.get(), sql);
+        }
+        const int32_t result = keep ? transactions.commit() : transactions.rollBack();
+        transactions.disown();
+        return result;
+    });
+}
+
+// Whether this makes a table that is there already, which takes no turn: a process that starts next
+// to busy ones would wait for one turn after the other.
+bool isMade(Connection& connection, std::string_view rest) {
+    for (const char* const word : {"TABLE", "IF", "NOT", "EXISTS"}) {
+        if (!isOneOf(takeWord(rest), std::string_view(word))) {
+            return false;
+        }
+    }
+    char table[100] = "";  // a longer name counts as unknown
+    const std::string_view name = takeWord(rest);
+    return name.copy(table, sizeof table - 1) == name.size() && connection.hasTable(table);
+}
+
+int32_t executeOther(Connection& connection, const char* sql) {
+    Transactions& transactions = connection.transactions;
+    return connection.write([&] {
+        const bool wasOpen = transactions.isOpen();
+        const int32_t result = execute(connection.get(), sql);
+        if (wasOpen || !transactions.isOpen()) {
+            return result;
+        }
+        // A transaction begun in a form that isn't recognised here would have no owner.
+        transactions.rollBack();
+        return SQLITE_MISUSE;
+    });
+}
+
+}  // namespace
+
+Run::Run(Session& session, Verb verb, const Address& address, const Profile& profile) {
+    try {
+        statement = session.statement(patternOf(verb, address.shape), address.list);
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    status = statement == nullptr ? sqlite3_errcode(session.get()) : SQLITE_OK;
+    if (address.node != nullptr) {
+        bind(kNode, address.node);
+    }
+    if (address.key != nullptr) {
+        bind(kKey, address.key);
+    }
+    if (!profile.isAll()) {
+        bind(kProfile, profile.text());
+    }
+}
+
+Run::~Run() {
+    sqlite3_reset(statement);
+}
+
+void Run::bind(Parameter parameter, std::string_view text) {
+    if (status == SQLITE_OK) {
+        status = sqlite3_bind_text64(statement, parameter, text.data(), text.size(), SQLITE_STATIC,
+                                     SQLITE_UTF8);
+    }
+}
+
+std::optional<std::string_view> Run::text() const {
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
+    if (bytes == nullptr) {
+        return std::nullopt;
+    }
+    return std::string_view(bytes, static_cast<size_t>(sqlite3_column_bytes(statement, 0)));
+}
+
+int32_t executeQuery(Connection& connection, const char* sql) {
+    std::string_view rest = sql;
+    const std::string_view first = takeWord(rest);
+    const bool plain = isPlain(rest);
+    if (plain && isOneOf(first, "BEGIN")) {
+        return connection.transactions.isMine() ? SQLITE_ERROR : connection.begin();
+    }
+    if (plain && isOneOf(first, "COMMIT", "END")) {
+        return end(connection, sql, true);
+    }
+    if (plain && isOneOf(first, "ROLLBACK")) {
+        return end(connection, sql, false);
+    }
+    if (isOneOf(first, "CREATE") && isMade(connection, rest)) {
+        return SQLITE_OK;
+    }
+    return executeOther(connection, sql);
+}

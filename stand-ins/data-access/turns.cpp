@@ -1,0 +1,196 @@
+#include "stand-ins/data-access/turns.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <map>
+#include <utility>
+
+namespace {
+
+constexpr off_t kTurn = 0;
+constexpr off_t kNext = 1;
+
+// Some file systems have no locks.
+enum class Locked { kYes, kNotNow, kNever };
+
+struct flock placeOf(short type, off_t place) {
+    struct flock one {};
+    one.l_type = type;
+    one.l_whence = SEEK_SET;
+    one.l_start = place;
+    one.l_len = 1;
+    return one;
+}
+
+Locked lock(int file, off_t place) {
+    const struct flock one = placeOf(F_WRLCK, place);
+    if (fcntl(file, F_SETLK, &one) == 0) {
+        return Locked::kYes;
+    }
+    return errno == EAGAIN || errno == EACCES ? Locked::kNotNow : Locked::kNever;
+}
+
+void unlock(int file, off_t place) {
+    const struct flock one = placeOf(F_UNLCK, place);
+    fcntl(file, F_SETLK, &one);
+}
+
+// The other process that has the place, or kNobody. 0 and -1 stand for ones without a number here.
+constexpr pid_t kNobody = -2;
+pid_t holderOf(int file, off_t place) {
+    struct flock one = placeOf(F_WRLCK, place);
+    return fcntl(file, F_GETLK, &one) != 0 || one.l_type == F_UNLCK ? kNobody : one.l_pid;
+}
+
+// Opens the file with the owner and the rights of the database, as SQLite does with its own files.
+int openBeside(const std::string& database, const std::string& path) {
+    struct stat like {};
+    constexpr int kFlags = O_RDWR | O_CLOEXEC | O_NOFOLLOW;
+    if (stat(database.c_str(), &like) != 0) {
+        return -1;
+    }
+    const mode_t mode = like.st_mode & ACCESSPERMS;
+    const int made = open(path.c_str(), kFlags | O_CREAT | O_EXCL, mode);
+    if (made < 0) {
+        return errno == EEXIST ? open(path.c_str(), kFlags) : -1;
+    }
+    // Only root may give a file away, and only root has to.
+    [[maybe_unused]] const bool given =
+        fchmod(made, mode) == 0 && fchown(made, like.st_uid, like.st_gid) == 0;
+    return made;
+}
+
+}  // namespace
+
+bool ThreadQueue::enter(Clock::time_point deadline) {
+    std::unique_lock lock(mutex);
+    if (!isHeld) {
+        isHeld = true;
+        return true;
+    }
+    Waiter self;
+    append(self);
+    if (self.called.wait_until(lock, deadline, [&] { return self.isNext; })) {
+        return true;
+    }
+    remove(self);
+    return false;
+}
+
+void ThreadQueue::leave() {
+    const std::lock_guard guard(mutex);
+    isHeld = first != nullptr;
+    if (isHeld) {
+        Waiter& next = *first;
+        first = next.behind;
+        next.isNext = true;
+        // With the mutex held: the waiter is gone once it has seen that it is next.
+        next.called.notify_one();
+    }
+}
+
+void ThreadQueue::append(Waiter& waiter) {
+    Waiter** end = &first;
+    while (*end != nullptr) {
+        end = &(*end)->behind;
+    }
+    *end = &waiter;
+}
+
+void ThreadQueue::remove(const Waiter& waiter) {
+    Waiter** place = &first;
+    while (*place != &waiter) {
+        place = &(*place)->behind;
+    }
+    *place = waiter.behind;
+}
+
+int ProcessQueue::descriptor() {
+    if (!file || !file->isOpen()) {
+        file.emplace(database.empty() ? -1 : openBeside(database, path));
+    }
+    return file->get();
+}
+
+// Whether no process waits for the turn. The look costs as much as the lock: a process that has
+// looked may come again for a millisecond.
+bool ProcessQueue::isAlone(Clock::time_point now) {
+    if (now < nextLook) {
+        return true;
+    }
+    if (holderOf(file->get(), kNext) != kNobody) {
+        return false;
+    }
+    nextLook = now + std::chrono::milliseconds(1);
+    return true;
+}
+
+// Moves up from place to place. Nothing if this process has the turn then, otherwise who keeps it.
+std::optional<ProcessQueue::Holder> ProcessQueue::wait(Clock::time_point deadline) {
+    std::optional<Holder> keeping;
+    for (const off_t place : {kNext, kTurn}) {
+        const Moments moments(deadline);
+        while (!keeping && lock(file->get(), place) == Locked::kNotNow) {
+            if (!moments.pass()) {
+                keeping = {place, holderOf(file->get(), place)};
+            }
+        }
+    }
+    unlock(file->get(), kNext);
+    return keeping;
+}
+
+void ProcessQueue::enter(Clock::time_point now, Clock::time_point deadline) {
+    const Locked atOnce = lock(descriptor(), kTurn);
+    if (atOnce == Locked::kNever || (atOnce == Locked::kYes && isAlone(now))) {
+        stopped.reset();
+        return;
+    }
+    if (atOnce == Locked::kYes) {
+        unlock(file->get(), kTurn);
+    }
+    const pid_t holder = stopped ? holderOf(file->get(), stopped->place) : kNobody;
+    if (holder == kNobody || holder != stopped->process) {
+        stopped = wait(deadline);
+    }
+}
+
+void ProcessQueue::leave() {
+    unlock(file->get(), kTurn);
+}
+
+std::shared_ptr<Turns> Turns::of(const std::string& database) {
+    static std::mutex mutex;
+    static auto& all = *new std::map<std::string, std::weak_ptr<Turns>>;
+    const std::lock_guard guard(mutex);
+    std::weak_ptr<Turns>& known = all[database];
+    std::shared_ptr<Turns> turns = known.lock();
+    if (!turns) {
+        turns = std::make_shared<Turns>(database);
+        known = turns;
+    }
+    return turns;
+}
+
+Turn::Turn(const std::shared_ptr<Turns>& turns, Clock::time_point now) {
+    const auto deadline = now + kLongestWaitForTurn;
+    if (turns->threads.enter(deadline)) {
+        held = turns;
+        turns->processes.enter(now, deadline);
+    }
+}
+
+Turn::~Turn() {
+    if (held) {
+        held->processes.leave();
+        held->threads.leave();
+    }
+}
+
+Turn& Turn::operator=(Turn&& other) noexcept {
+    std::swap(held, other.held);
+    return *this;
+}

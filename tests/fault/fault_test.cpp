@@ -8,9 +8,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <thread>
 #include <utility>
 
+#include "console-manager/settings.h"
+#include "contracts/data_access.h"
 #include "support/calls.h"
+#include "support/sqlite_query.h"
 
 // What is made to fail: these, which the played kernel has, and all that follow.
 // clang-format off
@@ -42,6 +46,13 @@ static bool givesUpLock(long command, long argument) {
     return command == F_SETLK && reinterpret_cast<const flock*>(argument)->l_type == F_UNLCK;
 }
 
+// Other statements may be SQLite's own, which doesn't expect that of them.
+static bool isOfTransaction(long statement) {
+    const char* const sql = sqlite3_sql(reinterpret_cast<sqlite3_stmt*>(statement));
+    return sql != nullptr &&
+           std::strstr("BEGIN IMMEDIATE COMMIT ROLLBACK TO dal SAVEPOINT dal RELEASE dal", sql);
+}
+
 // clang-format off
 PLAYED(socket, -1, EMFILE);      PLAYED(send, -1, ENOBUFS);       PLAYED(getifaddrs, -1, ENOMEM);
 PLAYED(uname, -1, EFAULT);       PLAYED(popen, 0, EMFILE);        PLAYED(if_indextoname, 0, ENXIO);
@@ -49,7 +60,7 @@ PLAYED(fgets, 0, EIO);           PLAYED(fopen64, 0, EMFILE);      PLAYED(fdopend
 PLAYED(open64, -1, EMFILE);      PLAYED(read, -1, EIO);           PLAYED_IF(!givesUpLock(b, c), fcntl64, -1, EIO);
 PLAYED(fstat64, -1, EIO);        PLAYED(stat64, -1, EIO);         PLAYED(ftruncate64, -1, EIO);
 PLAYED(pread64, -1, EIO);        PLAYED(pwrite64, -1, ENOSPC);    PLAYED(mmap64, -1 /* MAP_FAILED */, ENOMEM);
-PLAYED(fdatasync, -1, EIO);      PLAYED(unlink, -1, EIO);
+PLAYED(fdatasync, -1, EIO);      PLAYED(unlink, -1, EIO);         PLAYED_IF(isOfTransaction(a), sqlite3_step, SQLITE_NOMEM, 0);
 #ifdef __arm__
 PLAYED(__ioctl_time64, -1, EIO); PLAYED(openat64, -1, EMFILE);    PLAYED(__setsockopt64, -1, ENOPROTOOPT);
 PLAYED(readdir64, 0, EIO);       PLAYED_IF(!givesUpLock(b, c), __fcntl_time64, -1, EIO);
@@ -167,6 +178,101 @@ TEST_P(EachCall, LeavesTheDocumentedResultAndNothingElse) {
 constexpr auto nameOf = [](const auto& of) { return of.param.name; };
 INSTANTIATE_TEST_SUITE_P(Functions, EachCall, testing::ValuesIn(functionSubjects()), nameOf);
 INSTANTIATE_TEST_SUITE_P(Settings, EachCall, testing::ValuesIn(settingSubjects(kStride)), nameOf);
+
+const KeyPath kTimeout{{{"dal_key", "display-off-timeout"}}};
+const KeyPath kIcon{{{"home_screen_icons", "n"}, {"dal_key", "home-screen-icon"}}};
+sqlite3* own = nullptr;
+
+// In a transaction of the caller's, on a connection of its own.
+int32_t changeWithin(const char* end) {
+    DAL_ExecuteQuery(own, "BEGIN TRANSACTION;");
+    const int32_t set = DAL_setProfiledTypeString(own, &kIcon, "9", 0, 0);
+    const int32_t removed = DAL_deleteProfiledItem(own, &kTimeout, 0);
+    EXPECT_TRUE(set == 0 || removed != 0) << "the rest is refused";
+    return DAL_ExecuteQuery(own, end);
+}
+
+int32_t undoAndChange() {
+    changeWithin("ROLLBACK;");
+    return DAL_deleteProfiledItem(own, &kTimeout, 0);
+}
+
+// A change of the settings, and what is stored after it: the time-out, an icon, the number of
+// nodes.
+struct Change {
+    const char* name;
+    int32_t (*make)();
+    const char* done;
+};
+const Change kChanges[] = {
+    {"a set", [] { return DAL_CML_setDisplayOffTimeout(9); }, "9|1|1"},
+    {"a set in a list", [] { return DAL_CML_setHomeScreenIcon("n", "9"); }, "1|9|1"},
+    {"a delete of a node", [] { return DAL_CML_deleteHomeScreenIconsNode("n"); }, "1||0"},
+    {"a transaction", [] { return changeWithin("COMMIT;"); }, "|9|1"},
+    {"a change after a rollback", undoAndChange, "|1|1"},
+    // The result of this one doesn't say whether it has failed.
+    {"a delete of all", [] { return DAL_CML_deleteAll() + 1; }, "||0"},
+};
+
+std::string stored() {
+    const std::string value = "(SELECT coalesce(max(c_dal_value), '') FROM tbl_";
+    return query(kFile, "SELECT " + value + "dal_key_dal_value), " + value +
+                            "home_screen_icons_dal_key_dal_value), (SELECT count(*) FROM "
+                            "tbl_home_screen_icons)");
+}
+
+void prepareChange() {
+    EXPECT_EQ(DAL_CML_setDisplayOffTimeout(1) + DAL_CML_setHomeScreenIcon("n", "1"), 0);
+    EXPECT_EQ(stored(), "1|1|1");
+}
+
+// Makes the change while that call of the function fails. False if there are less calls.
+bool failChange(const Change& change, const Fault& failing) {
+    SCOPED_TRACE(joined(change.name, failing.function, failing.call));
+    fault = failing;
+    const int32_t result = within(change.make);
+    const bool happened = std::exchange(fault, {}).happened;
+    const std::string now = stored();
+    EXPECT_TRUE(now == change.done || (result != 0 && now == "1|1|1")) << result << ' ' << now;
+    EXPECT_EQ(query(kFile, "BEGIN IMMEDIATE"), "") << "another program can write";
+    std::thread(prepareChange).join();
+    return happened;
+}
+
+// What work returns in a process of its own.
+bool inChild(const std::function<bool()>& work) {
+    std::fflush(stdout);
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool result = work();
+        std::fflush(stdout);
+        _exit(testing::Test::HasFailure() ? 2 : result ? 1 : 0);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) < 2);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 1;
+}
+
+TEST_F(Faults, AChangeIsMadeAsAWholeOrNotAtAllInTheFirstUseToo) {
+    run("mkdir -p /mnt/vex-data/m7");
+    inChild([] { return prepareChange(), false; });
+    for (const char* const function : functions) {
+        const bool persists = std::strstr(function, "fcntl") == nullptr;  // SQLite waits for a lock
+        Fault failing{function, 1, persists};
+        while (inChild([=] { return failChange(kChanges[0], failing); })) {
+            failing.call += 3 * kStride;
+        }
+    }
+    prepareChange();
+    sqlite3_open(kFile.c_str(), &own);
+    for (const Change& change : kChanges) {
+        for (const char* const function : functions) {
+            for (int number = 1; failChange(change, {function, number}); number += kStride) {
+            }
+        }
+    }
+}
 
 // A played function that nobody sees would make nothing fail.
 TEST_F(Faults, TheLibraryCallsThePlayedFunctionsAndAScanAllocatesNothing) {

@@ -1,4 +1,4 @@
-// One call of one function that is made to fail.
+// One call of one function, or all from that one on, made to fail.
 #pragma once
 
 #include <cstring>
@@ -34,14 +34,15 @@ Result callWithin(Result (*function)(Arguments...), Arguments... arguments) {
 
 inline struct Fault {
     const char* function = "";
-    int call = 1;  // which one of them, from 1
+    int call = 1;           // which one of them, from 1
+    bool persists = false;  // the later ones fail, too
     bool happened = false;
 
     bool hits(const char* name) {
-        if (!inLibrary || std::strcmp(name, function) != 0 || --call != 0) {
+        if (!inLibrary || std::strcmp(name, function) != 0 || --call > 0) {
             return false;
         }
-        happened = true;
-        return true;
+        happened = happened || call == 0;
+        return call == 0 || persists;
     }
 } fault;

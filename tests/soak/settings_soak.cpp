@@ -8,7 +8,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <climits>
 #include <cmath>
 #include <csignal>
 #include <filesystem>
@@ -23,24 +22,6 @@
 using namespace std::chrono_literals;
 
 static std::string scratch;  // FOLDER
-
-static int allocationsLeft = INT_MAX;  // for never mind
-static int mostFailures = INT_MAX;     // behind the last one
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kCanFail = false;
-#else
-constexpr bool kCanFail = true;
-#define ALLOCATION(name, parameters, arguments)                                       \
-    extern "C" void* __libc_##name parameters;                                        \
-    extern "C" void* name parameters {                                                \
-        const bool isLast = allocationsLeft != INT_MAX && --allocationsLeft < 0;      \
-        return isLast && allocationsLeft >= -mostFailures ? (errno = ENOMEM, nullptr) \
-                                                          : __libc_##name arguments;  \
-    }
-ALLOCATION(malloc, (size_t size), (size))
-ALLOCATION(calloc, (size_t count, size_t size), (count, size))
-ALLOCATION(realloc, (void* block, size_t size), (block, size))
-#endif
 
 namespace {
 
@@ -104,8 +85,9 @@ void waitForAll() {
 }
 
 void inProcess(auto work) {
-    start(work);
-    waitForAll();
+    int status = 0;
+    waitpid(start(work), &status, 0);
+    EXPECT_EQ(status, 0) << "of a process";
 }
 
 // Threads of processes that do work(process, thread, round) until it's over, and once more.
@@ -265,54 +247,6 @@ void onWriteAheadFile() {
     forTenSeconds<4, 1, useAll>();
 }
 
-// What is done when no memory is left, and what is then stored if its result was 0.
-struct WithoutMemory {
-    int32_t (*call)();
-    const char* done;
-};
-const WithoutMemory kWithoutMemory[] = {
-    {[] { return DAL_CML_setDisplayOffTimeout(9); }, "9|1|1"},
-    {[] { return DAL_CML_setHomeScreenIcon("n", "9"); }, "1|9|1"},
-    {[] { return DAL_CML_deleteHomeScreenIconsNode("n"); }, "1||0"},
-    {[] { return DAL_CML_deleteAll() + 1; }, "||0"},  // its result doesn't say
-};
-
-// Whether there were more allocations.
-bool failAllocations(const WithoutMemory& row, int successes) {
-    SCOPED_TRACE(joined("row", &row - kWithoutMemory, "after", successes, "allocations"));
-    allocationsLeft = successes;
-    const int32_t result = row.call();
-    const bool failed = std::exchange(allocationsLeft, INT_MAX) < 0;
-    EXPECT_TRUE(stored() == row.done || (result != 0 && stored() == "1|1|1")) << stored();
-    EXPECT_EQ(query(kFile, "BEGIN IMMEDIATE"), "") << "of another program";
-    std::jthread([] { EXPECT_EQ(setTimeout(1) + setIcon("n", 1), 0); }).join();
-    EXPECT_EQ(stored(), "1|1|1");
-    return failed;
-}
-
-void withoutMemory() {
-    if (!kCanFail) {
-        GTEST_SKIP() << "the sanitizer has an allocator of its own";
-    }
-    const auto prepare = [] { EXPECT_EQ(setTimeout(1) + setIcon("n", 1), 0); };
-    inProcess([&] {
-        prepare();
-        for (const WithoutMemory& row : kWithoutMemory) {
-            for (int successes = 0; failAllocations(row, successes); ++successes) {
-            }
-        }
-    });
-    // And in the first use of the database, also for a moment alone.
-    for (const int failures : {INT_MAX, 1}) {
-        mostFailures = failures;
-        shared.writes = 0;
-        for (shared.ready = true; shared.ready; shared.writes += sampleOr(10u, 1u)) {
-            const auto successes = static_cast<int>(shared.writes);
-            inProcess([=] { shared.ready = failAllocations(kWithoutMemory[0], successes); });
-        }
-    }
-}
-
 // Runs work on such a folder, and gives what it does there.
 Steps recorded(const Folder& folder, auto work) {
     const std::string path = "/mnt/vex-data/m7";
@@ -369,19 +303,101 @@ void losePower() {
     }
 }
 
+void changeForever() {
+    for (int i = 0;; ++i) {
+        change(i);
+    }
+}
+
+// The child that such a process has made lives longer, with its descriptors.
 void killInside() {
     Random random(1);
     for (int round = 0; round < sampleOr(20, 300); ++round) {
         const pid_t process = start([] {
-            for (int i = 0;; ++i) {
-                change(i);
+            setTimeout(0);
+            if (fork() == 0) {
+                while (!shared.over) {
+                    usleep(1000);
+                }
+                _exit(0);
             }
+            changeForever();
         });
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 30'000));
         kill(process, SIGKILL);
         waitpid(process, nullptr, 0);
         inProcess([=] { EXPECT_EQ(setTimeout(round), 0); });
         EXPECT_EQ(stored().substr(0, stored().find('|')), std::to_string(round));
+        EXPECT_EQ(integrity(), "ok");
+    }
+    shared.over = true;
+}
+
+void besideStopped() {
+    inProcess(settings);
+    const pid_t process = start(changeForever);
+    for (int round = 0; round < sampleOr(1, 20); ++round) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50 + round));
+        kill(process, SIGSTOP);
+        inProcess([=] {
+            icon("n");
+            for (int i = 0; i < sampleOr(1, 3); ++i) {
+                setTimeout(i);
+            }
+        });
+        kill(process, SIGCONT);
+    }
+    kill(process, SIGKILL);
+    waitpid(process, nullptr, 0);
+}
+
+// In small blocks where the system can mount such a volume. What gets free is taken at once.
+void onFullVolume() {
+    EXPECT_EQ(std::system("cd /mnt/test && truncate -s 4M volume && "
+                          "(mkfs.ext4 -qb 1024 volume && mount volume /mnt/vex-data/m7) 2>&- || "
+                          "mount -t tmpfs -o size=1M none /mnt/vex-data/m7"),
+              0);
+    inProcess([] { EXPECT_EQ(setTimeout(7), 0); });
+    start([] {
+        const int file = open("/mnt/vex-data/m7/full", O_WRONLY | O_CREAT, 0600);
+        for (size_t size = 4096; !shared.clearing; size = size > 1 ? size / 2 : 4096) {
+            while (write(file, record.data, size) > 0) {
+            }
+            shared.ready = true;
+        }
+        EXPECT_EQ(ftruncate(file, 0), 0);
+        shared.over = true;
+    });
+    while (!shared.ready) {
+    }
+    many(1, 1, [](int, int, int) {
+        const bool isOver = shared.over;
+        const int32_t result = DAL_CML_setDisplayOffTimeout(7);
+        EXPECT_TRUE(result == 0 || (result == SQLITE_FULL && !isOver)) << result;
+        EXPECT_EQ(settings(), "7");
+    });
+    for (int reader = 0; reader < 40; ++reader) {
+        inProcess([] { EXPECT_EQ(settings(), "7"); });
+    }
+    shared.clearing = true;
+    waitForAll();
+    EXPECT_EQ(integrity(), "ok");
+    EXPECT_EQ(std::system("umount /mnt/vex-data/m7"), 0);
+}
+
+void copyBackup() {
+    inProcess([] { EXPECT_EQ(setTimeout(7), 0); });
+    EXPECT_EQ(query(kFile, "VACUUM INTO '/mnt/test/backup'"), "");
+    for (int round = 1; round < sampleOr(10, 100); ++round) {
+        inProcess([=] {
+            for (int i = 0; i < round; ++i) {
+                EXPECT_EQ(change(i), 0);
+            }
+            std::exit(testing::Test::HasFailure() ? 1 : 0);
+        });
+        std::filesystem::copy_file("/mnt/test/backup", kFile,
+                                   std::filesystem::copy_options::overwrite_existing);
+        inProcess([] { EXPECT_EQ(settings(), "7"); });
         EXPECT_EQ(integrity(), "ok");
     }
 }
@@ -404,13 +420,13 @@ struct Situation {
     bool sharedMappings = true;
     // The longest that a call takes, in milliseconds.
     float set = HUGE_VALF, get = HUGE_VALF, clear = HUGE_VALF;
-    bool mayFail = false;  // who has waited for ten seconds
+    bool mayFail = false;  // after ten seconds
+
+    friend void PrintTo(const Situation& row, std::ostream* out) { *out << row.name; }
 };
 // clang-format off
 const Situation kSituations[] = {
     {"BesideOneWriter", forTenSeconds<2, 1, setBesideWriters>, true, 250},
-    {"BesideTwoWriters", forTenSeconds<3, 1, setBesideWriters>, true, 250},
-    {"BesideFourWriters", forTenSeconds<5, 1, setBesideWriters>, true, 250},
     {"Crowd", forTenSeconds<8, 8, useNode>, true, 500, 250},
     {"CrowdWithRollbackJournal", forTenSeconds<8, 8, useNode>, false},
     {"CrowdWhileAllIsDeleted", forTenSeconds<9, 8, useNode>, true, 500, 250, 500},
@@ -419,13 +435,14 @@ const Situation kSituations[] = {
     {"BesideReaderOfRollbackFile", besideReader, false, 11'000, 250, 22'000, true},
     {"NoSharedMappings", forTenSeconds<4, 1, useAll>, false},
     {"NoSharedMappingsOfWriteAheadFile", onWriteAheadFile, false},
-    {"NoMemoryWithWriteAheadLog", withoutMemory},
-    {"NoMemoryWithRollbackJournal", withoutMemory, false},
     {"PowerLossWithWriteAheadLog", losePower},
     {"PowerLossWithRollbackJournal", losePower, false},
     {"KilledWithWriteAheadLog", killInside, true, 250},
     {"KilledWithRollbackJournal", killInside, false, 250},
     {"ShortLog", fillLog},
+    {"BesideStoppedProcess", besideStopped, true, 10'500, 1000, 10'500, true},
+    {"FullVolume", onFullVolume},
+    {"BackupCopiedAfterExit", copyBackup},
 };
 // clang-format on
 
@@ -455,8 +472,7 @@ TEST_P(Soak, Keeps) {
     EXPECT_EQ(integrity(), "ok");
 }
 
-INSTANTIATE_TEST_SUITE_P(, Soak, testing::ValuesIn(kSituations),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(, Soak, testing::ValuesIn(kSituations), testing::PrintToStringParamName());
 
 }  // namespace
 

@@ -1,32 +1,33 @@
 /*
  * Contract of libm7-data-access-library.so.0: typed items on a SQLite connection.
  *
- * On the console this is a closed library. Here stands what the settings count on, whichever
- * library the loader finds; what the one in stand-ins/data-access does beyond it is told there.
+ * On the console this is a closed library. This header says what the settings rely on, whichever
+ * library the loader finds. stand-ins/README.md describes what the stand-in does beyond it.
  *
- * Connection. Every function takes the sqlite3* first. Null is answered with a failure and has no
- * other effect, except that a getter delivers its default.
+ * Connection. Every function takes the sqlite3* first. A null connection is an error: the call does
+ * nothing, except that a getter still delivers its default.
  *
- * Key path. Which item is meant is told by a KeyPath, in one of four shapes:
+ * Key path. A KeyPath addresses items and nodes, in one of four shapes:
  *
  *     ("dal_key", key)                     a plain item, in the flat key table
  *     (list, node id), ("dal_key", key)    an item of one node of a list
  *     (list, node id)                      a node of a list
  *     (list, null)                         all nodes of a list
  *
- * Path and strings are the caller's; no pointer to them is kept.
+ * Path and strings belong to the caller; the library keeps no pointer to them.
  *
  * Tables. A list has a table of nodes, tbl_LIST (c_LIST, c_dal_profile_no), and one of items,
  * tbl_LIST_dal_key_dal_value (c_LIST, c_dal_key, c_dal_profile_no, c_dal_value), which the settings
- * make; all columns are text. The items of a node go with it by a foreign key. The flat key table
- * is the library's own.
+ * make; all columns are text. A foreign key deletes the items with their node. The library makes
+ * the flat key table itself.
  *
- * Profile number. 0 is the one that the settings address, DAL_ALL_PROFILES means all. An unprofiled
- * item is one row as well, and DAL_deleteProfiledItem with DAL_ALL_PROFILES reaches it.
+ * Profile number. The settings address number 0; DAL_ALL_PROFILES addresses all. An unprofiled item
+ * is one row as well, and DAL_deleteProfiledItem with DAL_ALL_PROFILES deletes it.
  *
  * Results. 0 is success, anything else a failure; no other number has a meaning here.
  *
- * Threads. All functions run on the caller's thread, on any of them, on one shared connection too.
+ * Threads. All functions run on the caller's thread. Any thread may call them, on a shared
+ * connection too.
  */
 #ifndef M7_CONTRACTS_DATA_ACCESS_H
 #define M7_CONTRACTS_DATA_ACCESS_H
@@ -55,7 +56,7 @@ typedef struct KeyPath {
 /* Prepares a new connection, before any other statement. Foreign keys are enforced afterwards. */
 int32_t DAL_SetDBConfiguration(sqlite3* connection);
 
-/* Makes the flat key table. A table that is there stays as it is, with its rows. */
+/* Makes the flat key table. An existing table keeps its rows. */
 int32_t DAL_CreateFlatKeyTable(sqlite3* connection);
 
 /*
@@ -68,8 +69,8 @@ int32_t DAL_DeleteFlatKeyTable(sqlite3* connection);
 int32_t DAL_ExecuteQuery(sqlite3* connection, const char* sql);
 
 /*
- * Getters. They deliver on every path, a failure included: the stored value, or else defaultValue,
- * of which an absent item isn't told apart.
+ * Getters. They deliver on every path, a failure included: the stored value, otherwise
+ * defaultValue. The result of an absent item is the library's choice.
  */
 int32_t DAL_getTypeBOOL(sqlite3* connection, const KeyPath* key, BOOL* value, BOOL defaultValue);
 int32_t DAL_getProfiledTypeBOOL(sqlite3* connection, const KeyPath* key, BOOL* value,
@@ -80,8 +81,8 @@ int32_t DAL_getProfiledTypeInt(sqlite3* connection, const KeyPath* key, int32_t*
                                int32_t defaultValue, int32_t profileNo);
 
 /*
- * String getters. buffer receives at most size bytes, the terminator included, which is always
- * there. valueInfo is a word of the caller's, for the library's own use.
+ * String getters. buffer receives at most size bytes and is terminated, unless size is 0. valueInfo
+ * is a word of the caller's, which the library uses in its own way.
  */
 int32_t DAL_getTypeString(sqlite3* connection, const KeyPath* key, char* buffer,
                           uint32_t* valueInfo, size_t size, const char* defaultValue);
@@ -99,8 +100,8 @@ int32_t DAL_getProfiledTypeStringMalloc(sqlite3* connection, const KeyPath* key,
                                         uint32_t* valueInfo, int32_t profileNo);
 
 /*
- * Setters. They store value in place of an earlier one; an item of a list brings its node into
- * being. value lies within minimum and maximum, and extra is 0.
+ * Setters. They store value in place of an earlier one. Storing an item of a list creates its node
+ * if there is none. value is within minimum and maximum, and extra is 0.
  */
 int32_t DAL_setTypeBOOLLimits(sqlite3* connection, const KeyPath* key, BOOL value, uint32_t extra,
                               int32_t minimum, int32_t maximum);
@@ -117,20 +118,20 @@ int32_t DAL_setTypeString(sqlite3* connection, const KeyPath* key, const char* v
 int32_t DAL_setProfiledTypeString(sqlite3* connection, const KeyPath* key, const char* value,
                                   uint32_t extra, int32_t profileNo);
 
-/* Delete one item. */
+/* Deletes one item. */
 int32_t DAL_deleteItem(sqlite3* connection, const KeyPath* key);
 
-/* Under profile number 0, or with DAL_ALL_PROFILES under all, unprofiled included. */
+/* Deletes an item under profile number 0, or under all with DAL_ALL_PROFILES (unprofiled too). */
 int32_t DAL_deleteProfiledItem(sqlite3* connection, const KeyPath* key, int32_t profileNo);
 
-/* Not 0 if the item is stored, 0 if not; a default doesn't count. */
+/* Returns 0 if no such item is stored, otherwise another number. */
 int32_t DAL_isPresent(sqlite3* connection, const KeyPath* key);
 int32_t DAL_isProfiledPresent(sqlite3* connection, const KeyPath* key, int32_t profileNo);
 
-/* Deletes nodes with their items: one under profile number 0, or a whole list under all. */
+/* Deletes one node under profile number 0, or all nodes of a list under all, with their items. */
 int32_t DAL_deleteProfiledNodeItem(sqlite3* connection, const KeyPath* key, int32_t profileNo);
 
-/* Not 0 if the list has the node, 0 if not. */
+/* Returns 0 if the list has no such node, otherwise another number. */
 int32_t DAL_isProfiledNodePresent(sqlite3* connection, const KeyPath* key, int32_t profileNo);
 
 /*

@@ -15,9 +15,9 @@ extern "C" {
 #endif
 
 /*
- * Prints one message. logger may be null: the message is printed all the same. level is 2 for a
- * database that can't be used; the four zeros mean nothing to its callers. format and arguments are
- * those of vprintf; the caller ends arguments with va_end. Any thread may call it.
+ * Prints one message. logger may be null. level is 2 for a database that can't be used, and the
+ * four zeros have no meaning here. format and arguments are those of vprintf; the caller ends
+ * arguments with va_end. Any thread may call it.
  */
 void qor_logger_print3(TDL_LoggerRecord* logger, int level, int zero1, int zero2, int zero3,
                        int zero4, const char* format, va_list arguments)

@@ -1,5 +1,5 @@
 /*
- * Contract of libm7-trace-debug.so.0: hands out the process's logger record.
+ * Contract of libm7-trace-debug.so.0: returns the logger record of the process.
  *
  * On the console this is a closed library.
  */
@@ -12,7 +12,7 @@
 extern "C" {
 #endif
 
-/* Bit of TDL_LoggerRecord::flags that lets the messages of the settings databases through. */
+/* Bit of TDL_LoggerRecord::flags that enables the messages of the settings databases. */
 #define TDL_FLAG_DATABASE_MESSAGES 2u
 
 typedef struct TDL_LoggerRecord {
@@ -21,8 +21,8 @@ typedef struct TDL_LoggerRecord {
 } TDL_LoggerRecord;
 
 /*
- * The logger record of the process, which the library owns; null when logging isn't set up. Any
- * thread may call it.
+ * Returns the logger record of the process, which the library owns, or null if logging isn't set
+ * up. Any thread may call it.
  */
 TDL_LoggerRecord* TDL_logger(void);
 

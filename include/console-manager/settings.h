@@ -1,62 +1,80 @@
 /** @file
- * The console's settings: read, write, reset and test each one.
+ * The console's settings: reads, stores, removes and tests for each of them.
  *
- * Where they live. All settings but one are rows of "/mnt/vex-data/m7/console-manager.db", on the
- * data mount; AutoTheme is in "/tmp/m7/console-manager.db" and lasts as long as that file. The
- * first call that needs a database makes its folder, opens it and creates what is missing in it; no
- * other call is needed before. It stays open until the process ends. Nothing is cached, so that a
- * change made by another process is seen at once.
+ * Databases. All settings but one are rows of "/mnt/vex-data/m7/console-manager.db", on the data
+ * mount; AutoTheme is in "/tmp/m7/console-manager.db" and lasts as long as that file. The first
+ * call that needs a database makes its folder, opens it and creates what is missing in it. It stays
+ * open until the process ends, also after dlclose(). Nothing is cached: a change made by another
+ * process is seen at once.
  *
- * Have the data mount in place before the first call of a process. Where it is missing, and its
- * folder can be made, that call makes a database beneath the mount point, and the process keeps to
- * it: when the mount arrives later, what the process sets goes to the file that the mount hides.
+ * Mount the data volume before the first call of a process. If it is missing and its folder can be
+ * made, that call makes a database beneath the mount point. The process keeps using that one, even
+ * when the volume is mounted later and hides it.
  *
- * When a database can't be opened, the call fails, the getter delivers the default, a message goes
- * to the trace library (and mkdir's own to stderr), and the next call tries again. From a read-only
- * file or mount values can be read at best: a set fails.
+ * If a database can't be opened, the call fails, a getter delivers the default, a message goes to
+ * the trace library (and mkdir's own to stderr), and the next call tries again. A read-only file or
+ * mount can be read at best; a set fails.
  *
- * Each set and each delete is a change of its own, which as a rule waits for the disk: 100 items of
- * a list are 100 such waits. The room of a value that is removed is kept for later values; a file
- * doesn't shrink.
+ * Each set and each delete is a change of its own, which usually waits for the disk: 100 items of a
+ * list are 100 such waits. A file doesn't shrink: the room of removed values is used for later
+ * ones.
  *
  * The family of a setting S:
  *
  *     DAL_CML_getS          delivers the stored value, or the default where none is stored
- *     DAL_CML_getSMalloc    strings only: the stored value in memory of its own; no default
+ *     DAL_CML_getSMalloc    strings only: allocates the stored value; no default
  *     DAL_CML_setS          stores a value, in place of an earlier one
- *     DAL_CML_getSDefault   the default itself; touches no database and can't fail
+ *     DAL_CML_getSDefault   returns the default; touches no database and can't fail
  *     DAL_CML_deleteS       removes the stored value, so that the default holds again
  *     DAL_CML_deleteAllS    removes the stored values under all profile numbers
- *     DAL_CML_isSPresent    0 if no value is stored, else another number; a default doesn't count
+ *     DAL_CML_isSPresent    returns 0 if no value is stored, else another number
  *
- * A profiled setting can have a value for each profile number; all these functions address number
- * 0, and the deleteAll forms every one. An unprofiled setting has one value.
+ * A profiled setting can have a value for each profile number. All these functions address number
+ * 0, except the deleteAll forms, which address all. An unprofiled setting has one value.
  *
- * Results. 0 is success, anything else a failure, as the data access library returned it. What its
- * numbers mean, when a change is safe on the disk, and how long a call waits for another process
- * that is writing, is that library's to say: see the README of the stand-ins for the one that takes
- * its place on other machines than the console.
+ * Results. 0 is success, anything else a failure, as the data access library returned it. That
+ * library decides what its numbers mean, when a change is safe on the disk, and how long a call
+ * waits for another process that is writing. For the one that is used on other machines than the
+ * console, see the README of the stand-ins. With it, the presence functions return 0 also if the
+ * database can't be read: a getter's result shows whether it can.
  *
- * Backups. A database is more than the file of its name. SQLite keeps a part of it beside that
- * file, in "console-manager.db-wal" or "console-manager.db-journal"; "-shm" is the index of the
- * first and is made anew. Copy them all at a moment at which nobody sets anything, or let SQLite
- * make the copy ("VACUUM INTO", or `.backup` of the program sqlite3). What else has that name in
- * front, as "console-manager.db-turn" of the stand-in, holds no data.
+ * Getters deliver on every path. Even if the database can't be opened, `*value` or buffer holds the
+ * default afterwards; only the result shows the failure. No value is checked for meaning: an
+ * integer is stored as it is, and so is a BOOL other than 0 and 1.
  *
- * Getters deliver on every path: also when the database can't be opened *value, or the buffer,
- * holds the default afterwards, and only the result tells. No argument is checked for meaning: an
- * integer is stored as it is, a BOOL other than 0 and 1 too.
+ * Strings. buffer has room for size bytes, the terminator included. At most size bytes are written,
+ * and the text is always terminated; with a size of 0 nothing is written. valueInfo points to a
+ * word of the caller's, which the data access library uses in its own way. The allocating getter
+ * stores a block from malloc in `*value`, which the caller frees. Preset `*value` to null: for an
+ * absent setting and on failure it is up to the data access library. With the stand-in value,
+ * buffer and valueInfo may be null. A set copies its value. The default of a string is a constant
+ * text, never null.
  *
- * Strings. buffer has room for size bytes, and never more is written, the terminator included,
- * which is always there. valueInfo points to a word of the caller's, which the data access library
- * uses in its own way. The allocating getter stores a block from malloc in `*value`, which the
- * caller gives back with free(); preset it to null, for what an absent setting or a failure leaves
- * in it is the data access library's choice, too. A set copies its value. A getSDefault of a string
- * returns a constant text, neither to be changed nor freed, never null.
+ * Threads. Any function may be called from any thread at any time. All threads of a process share
+ * one connection to each file. A thread may be cancelled while the first call opens a database; in
+ * other calls that is up to the data access library (with the stand-in the cancellation takes
+ * effect after the call). Asynchronous cancellation isn't supported. A child made by fork must not
+ * use settings if its parent has, unless it calls exec first.
  *
- * Threads. Any function may be called from any thread at any time. A process shares one connection
- * to each file. A process that has used a setting must not go on using settings in a child made by
- * fork alone; the child has to exec.
+ * Files. A database is more than one file: SQLite keeps a part of it in "console-manager.db-wal" or
+ * "console-manager.db-journal". "-shm" is the index of the first, and "-turn" of the stand-in is
+ * empty. Never remove, replace or overwrite these files while an application uses them: its sets
+ * are lost or fail, and the database may be damaged, until the application is started again.
+ *
+ * Backup. Copy "console-manager.db" with "-wal", or with "-journal", at a moment when nobody sets
+ * anything; or let SQLite make the copy ("VACUUM INTO", or `.backup` of the program sqlite3).
+ *
+ * Restore. Stop all applications that use settings. Remove "console-manager.db-wal", "-shm" and
+ * "-journal". Copy the backup to "console-manager.db" (with its own "-wal" or "-journal", if it has
+ * one). Start the applications.
+ *
+ * Damage. If a file is damaged, calls fail and getters deliver defaults. Restore a backup; without
+ * one, stop all applications and remove the file with its "-wal", "-shm" and "-journal". The next
+ * call makes an empty database.
+ *
+ * Rights. Whoever may write to a database's folder decides which files its users open there, for
+ * instance by links. In "/tmp/m7" that can be anybody who makes the folder first: where users of
+ * different rights share a machine, let the most privileged make it when the system starts.
  */
 #ifndef CONSOLE_MANAGER_SETTINGS_H
 #define CONSOLE_MANAGER_SETTINGS_H
@@ -72,11 +90,11 @@ extern "C" {
 #pragma GCC visibility push(default)
 
 /**
- * Removes every value of every setting and every list, in both databases.
+ * Removes all values of all settings and lists, in both databases.
  *
- * @return 0 if both could be opened and 1 if not; the one that could be opened is cleared all the
- *         same. A failure of the removal itself doesn't show: from a read-only file nothing is
- *         removed, and the result is 0.
+ * @return 0 if both databases could be opened, otherwise 1; the one that could be opened is cleared
+ *         in either case. A failure of the removal itself isn't reported: on a read-only file
+ *         nothing is removed, and the result is 0.
  */
 int32_t DAL_CML_deleteAll(void);
 
@@ -866,22 +884,22 @@ int32_t DAL_CML_isQorHotKeyIconPresent(void);
 /** @file
  * @par Lists
  * A list is a map from node ids to one value each. A node id is a text of the caller's choice,
- * never null. For a list's item setting S the family is that of above with the node id in front
- * (but for getSDefault, since all nodes have one default); deleteAllS removes the item of that one
- * node under all profile numbers. A node comes into being with the first set of its item. All lists
- * are profiled.
+ * never null. For a list's item setting S the family is the one above with the node id as the first
+ * argument; getSDefault has none, since all nodes share one default. deleteAllS removes the item of
+ * one node under all profile numbers. The first set of its item creates a node. All lists are
+ * profiled.
  *
  * For the nodes N of a list:
  *
  *     DAL_CML_deleteN       removes one node with its item
  *     DAL_CML_deleteAllNs   removes all nodes, under all profile numbers
- *     DAL_CML_isNPresent    0 if there is no such node, else another number
- *     DAL_CML_listNs        the node ids
+ *     DAL_CML_isNPresent    returns 0 if there is no such node, else another number
+ *     DAL_CML_listNs        returns the node ids
  *
  * A listing is an array of node ids in any order, ended by a null pointer; an empty list is that
  * pointer alone. Array and ids are blocks from malloc: the caller frees each id, then the array. A
- * listing is null on failure. Whether a node stays when its item alone is deleted is the data access
- * library's choice; with the stand-in it stays.
+ * listing is null on failure. Whether a node stays when its item alone is deleted is the data
+ * access library's choice; with the stand-in it stays.
  */
 
 /** @{ @name BrowserDestinationHideItem */

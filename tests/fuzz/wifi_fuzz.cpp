@@ -19,22 +19,18 @@ void tryCall(auto call) {
 // The input is a sequence of pieces: a byte for the place, one for a quarter of the length, and the
 // bytes. They are put into a message or nest, or used as they are.
 void readScript(std::string_view input) {
-    using Text = const std::string&;
     constexpr auto kAsItIs = [](Text bytes) { return bytes; };
-    constexpr auto kFamily = [](Text bytes) {
-        return nl80211::reply(CTRL_CMD_NEWFAMILY, bytes, GENL_ID_CTRL);
-    };
     constexpr auto kGroups = [](Text bytes) { return nl80211::family(bytes); };
+    // clang-format off
     const std::pair<Datagrams&, std::string (*)(Text)> places[] = {
         {kernel.on[NL80211_CMD_GET_SCAN], nl80211::network},
         {kernel.on[NL80211_CMD_GET_SCAN], kAsItIs},
         {kernel.on[NL80211_CMD_GET_STATION], nl80211::station},
         {kernel.on[NL80211_CMD_GET_STATION], kAsItIs},
-        {kernel.on[CTRL_CMD_GETFAMILY], kFamily},
+        {kernel.on[CTRL_CMD_GETFAMILY], nl80211::controllerReply},
         {kernel.on[CTRL_CMD_GETFAMILY], kGroups},
-        {kernel.on[NL80211_CMD_TRIGGER_SCAN], kAsItIs},
-        {kernel.notifications, kAsItIs},
-    };
+        {kernel.on[NL80211_CMD_TRIGGER_SCAN], kAsItIs}, {kernel.notifications, kAsItIs}};
+    // clang-format on
     kernel.later = {nl80211::notification(NL80211_CMD_NEW_SCAN_RESULTS)};
     while (input.size() > 2) {
         const auto& [queue, wrap] = places[static_cast<uint8_t>(input[0]) % std::size(places)];

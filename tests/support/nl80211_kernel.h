@@ -23,6 +23,7 @@
 #include "support/fault.h"
 #include "support/netlink_message.h"
 
+using Text = const std::string&;
 using Datagrams = std::deque<std::string>;
 
 // Messages of the kernel.
@@ -31,16 +32,16 @@ namespace nl80211 {
 constexpr uint16_t kFamily = 28;
 constexpr uint32_t kOfRequest = 0xffffffff;  // replaced by the sequence and port of the request
 
-inline std::string message(uint16_t type, const std::string& payload, uint16_t flags = 0,
+inline std::string message(uint16_t type, Text payload, uint16_t flags = 0,
                            uint32_t sequence = kOfRequest, uint32_t port = kOfRequest) {
     const auto length = static_cast<uint32_t>(sizeof(nlmsghdr) + payload.size());
     return bytes(nlmsghdr{length, type, flags, sequence, port}) + payload;
 }
-inline std::string reply(uint8_t command, const std::string& attributes, uint16_t type = kFamily) {
+inline std::string reply(uint8_t command, Text attributes, uint16_t type = kFamily) {
     return message(type, bytes(genlmsghdr{command, 1, 0}) + attributes);
 }
-inline std::string notification(uint8_t command, const std::string& attributes = "",
-                                uint32_t sequence = 0, uint32_t port = 0) {
+inline std::string notification(uint8_t command, Text attributes = "", uint32_t sequence = 0,
+                                uint32_t port = 0) {
     return message(kFamily, bytes(genlmsghdr{command, 1, 0}) + attributes, 0, sequence, port);
 }
 constexpr auto acknowledgement = [](int error = 0) {
@@ -50,37 +51,37 @@ constexpr auto done = [] { return message(NLMSG_DONE, u32(0)); };
 // The end of a dump whose list changed meanwhile.
 constexpr auto interrupted = [] { return message(NLMSG_DONE, u32(0), NLM_F_DUMP_INTR); };
 
-// The controller's reply about a family with the given id and groups.
-inline std::string family(const std::string& groups, const std::string& id = u16(kFamily)) {
-    return reply(CTRL_CMD_NEWFAMILY,
-                 attribute(CTRL_ATTR_FAMILY_ID, id) + attribute(CTRL_ATTR_MCAST_GROUPS, groups),
-                 GENL_ID_CTRL);
+// The controller's reply about a family, with any attributes or with groups and an id.
+inline std::string controllerReply(Text attributes) {
+    return reply(CTRL_CMD_NEWFAMILY, attributes, GENL_ID_CTRL);
 }
-inline std::string group(const std::string& name, const std::string& id) {
+inline std::string family(Text groups, Text id = u16(kFamily)) {
+    return controllerReply(attribute(CTRL_ATTR_FAMILY_ID, id) +
+                           attribute(CTRL_ATTR_MCAST_GROUPS, groups));
+}
+inline std::string group(Text name, Text id) {
     return attribute(
         1, attribute(CTRL_ATTR_MCAST_GRP_ID, id) + attribute(CTRL_ATTR_MCAST_GRP_NAME, name));
 }
 
 // One network of a scan, from the attributes of its BSS, and the figures of a link.
-inline std::string network(const std::string& bss) {
+inline std::string network(Text bss) {
     return reply(NL80211_CMD_NEW_SCAN_RESULTS,
                  attribute(NL80211_ATTR_IFINDEX, u32(7)) + attribute(NL80211_ATTR_BSS, bss));
 }
-inline std::string station(const std::string& info) {
+inline std::string station(Text info) {
     return reply(NL80211_CMD_NEW_STATION, attribute(NL80211_ATTR_STA_INFO, info));
 }
 
-inline std::string elements(const std::string& payload) {
-    return attribute(NL80211_BSS_INFORMATION_ELEMENTS, payload);
-}
+constexpr auto elements = [](Text all) { return attribute(NL80211_BSS_INFORMATION_ELEMENTS, all); };
 
-inline std::string ssid(const std::string& name) {
+inline std::string ssid(Text name) {
     return elements('\0' + u8(static_cast<uint8_t>(name.size())) + name + "\x01\x01\x02");
 }
 
 // A dump of networks by number, each with its status after a colon if it has one: "1 2:1 3". All
 // attributes of a network follow from its number.
-inline Datagrams networks(const std::string& list) {
+inline Datagrams networks(Text list) {
     Datagrams dump;
     std::istringstream words(list);
     for (std::string word; words >> word;) {
@@ -140,11 +141,7 @@ inline struct Nl80211Kernel {
         on[NL80211_CMD_GET_STATION] = {acknowledgement()};
     }
 
-    static bool fails(const char* function) {
-        const bool hit = fault.hits(function);
-        errno = hit ? ENOBUFS : errno;
-        return hit;
-    }
+    static bool fails(const char* name) { return fault.hits(name) && (errno = ENOBUFS) != 0; }
 } kernel;
 
 extern "C" {

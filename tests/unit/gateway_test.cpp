@@ -46,6 +46,7 @@ TEST(Gateway, RoutesAreRequestedAndRepliesReadWithinTheirLengths) {
         {"a gateway of 5 bytes", message(out + attribute(RTA_GATEWAY, "vwxyz")) + good, found},
         {"a gateway of 3 bytes", message(out + attribute(RTA_GATEWAY, "xyz")), ""},
         {"an index of 2 bytes", message(both + attribute(RTA_OIF, "xy")), found},
+        {"no port", message(via), ""},
         {"no gateway, then one", message(out) + good, found},
         {"an attribute of no length", message(attribute(99, "", -4) + both), ""},
         {"an attribute beyond the message", message(both, {.lengthOff = -4}), ""},

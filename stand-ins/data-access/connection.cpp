@@ -17,11 +17,12 @@ struct Connections {
 
 Connections& connections();
 
-// At the normal end of the process. A child that fork has made must not touch its parent's.
+// At the normal end of the process. Not in a child that fork has made: the connections are its
+// parent's. Nor in a signal handler that has interrupted a call.
 struct AtEnd {
     pid_t process = getpid();
     ~AtEnd() {
-        if (getpid() == process) {
+        if (getpid() == process && !NoCancellation::isOn()) {
             const std::lock_guard guard(connections().mutex);
             for (auto& [handle, connection] : connections().byHandle) {
                 connection->emptyJournal();
@@ -40,13 +41,10 @@ Connections& connections() {
 thread_local int32_t causeOfNone = SQLITE_CANTOPEN;
 
 int forget(unsigned /*event*/, void* /*context*/, void* handle, void* /*unused*/) {
-    std::unique_ptr<Connection> gone;
     const std::lock_guard guard(connections().mutex);
-    const auto found = connections().byHandle.find(static_cast<sqlite3*>(handle));
-    if (found != connections().byHandle.end()) {
-        gone = std::move(found->second);
-        connections().byHandle.erase(found);
-        causeOfNone = gone->failure == SQLITE_OK ? SQLITE_CANTOPEN : gone->failure;
+    const auto gone = connections().byHandle.extract(static_cast<sqlite3*>(handle));
+    if (gone && gone.mapped()->failure != SQLITE_OK) {
+        causeOfNone = gone.mapped()->failure;
     }
     return 0;
 }
@@ -77,24 +75,34 @@ bool watchThread() {
     return isMade && pthread_setspecific(key, &key) == 0;
 }
 
+// The SQL of a pattern for this list.
+std::string expanded(std::string_view pattern, std::string_view list) {
+    constexpr std::string_view kPlaceholder = "LIST";
+    std::string sql;
+    bool isLeftOut = false;
+    for (size_t at = 0; at < pattern.size(); ++at) {
+        if (pattern[at] == '{' || pattern[at] == '}') {
+            isLeftOut = list.empty() && pattern[at] == '{';
+        } else if (pattern.substr(at).starts_with(kPlaceholder) && !isLeftOut) {
+            sql += list;
+            at += kPlaceholder.size() - 1;
+        } else if (!isLeftOut) {
+            sql += pattern[at];
+        }
+    }
+    return sql;
+}
+
 }  // namespace
 
 sqlite3_stmt* Session::statement(const char* pattern, std::string_view list) {
-    constexpr std::string_view kPlaceholder = "LIST";
-    const auto known = statements.find(std::pair(pattern, list));
-    if (known != statements.end()) {
+    auto& ofPattern = statements[pattern];
+    const auto known = ofPattern.find(list);
+    if (known != ofPattern.end()) {
         return known->second.get();
     }
-    std::string sql = pattern;
-    for (size_t at = 0; (at = sql.find(kPlaceholder, at)) != std::string::npos;) {
-        sql.replace(at, kPlaceholder.size(), list);
-        at += list.size();
-    }
-    Statement made = prepare(handle, sql);
-    if (!made) {
-        return nullptr;
-    }
-    return statements.emplace(std::pair(pattern, list), std::move(made)).first->second.get();
+    Statement made = prepare(handle, expanded(pattern, list));
+    return made ? ofPattern.emplace(list, std::move(made)).first->second.get() : nullptr;
 }
 
 Connection* Connection::of(sqlite3* handle) try {
@@ -125,17 +133,16 @@ Connection::Connection(sqlite3* connection)
 int32_t Connection::begin() {
     const Moments moments(kLongestWait);
     Turn turn(turns, moments.start());
-    int32_t result = watchThread() ? SQLITE_OK : SQLITE_NOMEM;
-    if (result == SQLITE_OK) {
-        result = attempt(moments, [&] {
-            transactions.refusals.takeOfThisThread();
-            const int32_t begun = isMoved() ? SQLITE_READONLY : transactions.begin();
-            if (begun == SQLITE_OK) {
-                transactions.own(std::move(turn));
-            }
-            return begun;
-        });
-    }
+    const int32_t result = attempt(moments, [&] {
+        transactions.refusals.takeOfThisThread();
+        const int32_t begun = !watchThread() ? SQLITE_NOMEM
+                              : isMoved()    ? SQLITE_READONLY
+                                             : transactions.begin();
+        if (begun == SQLITE_OK) {
+            transactions.own(std::move(turn));
+        }
+        return begun;
+    });
     if (endsTransaction(result)) {
         const std::lock_guard lock(mutex);
         transactions.refusals.add(result);
@@ -164,10 +171,10 @@ bool Connection::isMoved() const {
 }
 
 // A second connection for one read, on which the index is no obstacle.
-std::unique_ptr<sqlite3, DeletedBy<sqlite3_close>> Connection::openReader() const {
+Handle Connection::openReader() const {
     sqlite3* opened = nullptr;
     const int result = sqlite3_open_v2(fileOf(get()), &opened, SQLITE_OPEN_READONLY, nullptr);
-    std::unique_ptr<sqlite3, DeletedBy<sqlite3_close>> reader(opened);
+    Handle reader(opened);
     if (result != SQLITE_OK) {
         return nullptr;
     }

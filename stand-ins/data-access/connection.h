@@ -22,24 +22,14 @@ class Session {
 
     sqlite3* get() const { return handle; }
 
-    // The statement of a pattern, in which LIST stands for the name of a list; prepared on first
-    // use. Null if SQLite refuses it. Throws std::bad_alloc.
+    // The statement of a pattern, in which LIST stands for the name of a list; what is in braces is
+    // left out if that is empty. Prepared on first use. Null if SQLite refuses it. Throws
+    // std::bad_alloc.
     sqlite3_stmt* statement(const char* pattern, std::string_view list);
 
   private:
-    // Looks a list's name up without a copy of it. Patterns are told apart by their addresses.
-    struct Order {
-        using is_transparent = void;
-        template <typename A, typename B>
-        bool operator()(const std::pair<const char*, A>& a,
-                        const std::pair<const char*, B>& b) const {
-            return a.first != b.first ? a.first < b.first
-                                      : std::string_view(a.second) < std::string_view(b.second);
-        }
-    };
-
     sqlite3* handle;
-    std::map<std::pair<const char*, std::string>, Statement, Order> statements;
+    std::map<const char*, std::map<std::string, Statement, std::less<>>> statements;
 };
 
 class Connection {
@@ -101,7 +91,7 @@ class Connection {
   private:
     static int waitForReaders(void* self, int tries);
     bool isMoved() const;
-    std::unique_ptr<sqlite3, DeletedBy<sqlite3_close>> openReader() const;
+    Handle openReader() const;
 
     ino_t journal = 0;           // inode of the write-ahead journal, 0 without one
     Clock::time_point deadline;  // of the operation that has the connection
@@ -131,11 +121,7 @@ int32_t Connection::once(Clock::time_point end, Work work) {
 
 template <typename Work>
 int32_t Connection::attempt(const Moments& moments, Work work) {
-    int32_t result = once(moments.deadline(), work);
-    while (result == SQLITE_BUSY && moments.pass()) {
-        result = once(moments.deadline(), work);
-    }
-    return result;
+    return moments.whileIs(SQLITE_BUSY, [&] { return once(moments.deadline(), work); });
 }
 
 template <typename Work>
@@ -154,14 +140,12 @@ int32_t Connection::readOnce(Clock::time_point end, Work work) {
 // The clock, too, is asked by those alone that have to wait.
 template <typename Work>
 int32_t Connection::read(Work work) {
-    int32_t result = readOnce(Clock::time_point(), work);
-    if (result == SQLITE_BUSY) {
-        const Moments moments(kLongestWait);
-        while (result == SQLITE_BUSY && moments.pass()) {
-            result = readOnce(moments.deadline(), work);
-        }
+    const int32_t result = readOnce(Clock::time_point(), work);
+    if (result != SQLITE_BUSY) {
+        return result;
     }
-    return result;
+    const Moments moments(kLongestWait);
+    return moments.whileIs(SQLITE_BUSY, [&] { return readOnce(moments.deadline(), work); });
 }
 
 template <typename Work>

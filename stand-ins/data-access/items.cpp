@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cstdlib>
+#include <initializer_list>
 #include <memory>
 #include <new>
 #include <optional>
@@ -14,24 +15,18 @@
 
 namespace {
 
-bool isItem(const Address& address) {
-    return address.shape == Shape::kPlainItem || address.shape == Shape::kListItem;
-}
+using Shapes = std::initializer_list<Shape>;
+constexpr Shapes kItem = {Shape::kPlainItem, Shape::kListItem};
 
-// Runs work on the connection and on what the path addresses, where allowed says so.
-template <typename Allowed, typename Work>
-int32_t use(sqlite3* handle, const KeyPath* path, Allowed allowed, Work work) {
+// Runs work on the connection and on what the path addresses, if that has one of these shapes.
+template <typename Work>
+int32_t use(sqlite3* handle, const KeyPath* path, Shapes shapes, bool isProfileValid, Work work) {
     return useConnection(handle, [&](Connection& connection) {
         const auto address = parse(path);
-        return address && allowed(*address) ? work(connection, *address) : SQLITE_MISUSE;
+        const bool isValid =
+            isProfileValid && address && std::ranges::count(shapes, address->shape) > 0;
+        return isValid ? work(connection, *address) : SQLITE_MISUSE;
     });
-}
-
-template <typename Work>
-int32_t useItem(sqlite3* handle, const KeyPath* path, bool isProfileAllowed, Work work) {
-    return use(
-        handle, path, [&](const Address& address) { return isItem(address) && isProfileAllowed; },
-        work);
 }
 
 // The text of an item that was looked up; nothing where there is none, or the look-up failed.
@@ -43,7 +38,7 @@ int32_t readItem(sqlite3* handle, const KeyPath* path, const Profile& profile, D
     bool delivered = false;
     const auto look = [&](Connection& connection, const Address& address) {
         return connection.read([&](Session& session) {
-            Run run(session, Verb::kGet, address, profile);
+            Run run(session, kGetItem, address, profile);
             const int32_t result = run.step();
             if (result != SQLITE_ROW) {
                 return result == SQLITE_DONE ? SQLITE_OK : result;
@@ -54,7 +49,7 @@ int32_t readItem(sqlite3* handle, const KeyPath* path, const Profile& profile, D
             return text || run.isNull() ? SQLITE_OK : SQLITE_NOMEM;
         });
     };
-    const int32_t result = useItem(handle, path, profile.isOne(), look);
+    const int32_t result = use(handle, path, kItem, profile.isOne(), look);
     if (!delivered) {
         deliver(StoredText());
     }
@@ -63,14 +58,14 @@ int32_t readItem(sqlite3* handle, const KeyPath* path, const Profile& profile, D
 
 int32_t writeItem(sqlite3* handle, const KeyPath* path, const Profile& profile,
                   std::string_view text) {
-    return useItem(handle, path, profile.isOne(), [&](Connection& used, const Address& address) {
+    return use(handle, path, kItem, profile.isOne(), [&](Connection& used, const Address& address) {
         const auto set = [&] {
-            Run run(used.session, Verb::kSet, address, profile);
+            Run run(used.session, kSetItem, address, profile);
             run.bind(kValue, text);
             return run.finish();
         };
         const auto setWithNode = [&] {
-            const int32_t result = Run(used.session, Verb::kAddNode, address, profile).finish();
+            const int32_t result = Run(used.session, kAddNode, address, profile).finish();
             return result == SQLITE_OK ? set() : result;
         };
         return address.shape == Shape::kPlainItem
@@ -79,16 +74,17 @@ int32_t writeItem(sqlite3* handle, const KeyPath* path, const Profile& profile,
     });
 }
 
-int32_t deleteRows(Connection& connection, const Address& address, const Profile& profile) {
-    const Verb verb = profile.isAll() ? Verb::kDeleteInAllProfiles : Verb::kDelete;
+int32_t deleteRows(Connection& connection, const char* pattern, const Address& address,
+                   const Profile& profile) {
     return connection.write(
-        [&] { return Run(connection.session, verb, address, profile).finish(); });
+        [&] { return Run(connection.session, pattern, address, profile).finish(); });
 }
 
 // SQLITE_ROW if there is a row.
-int32_t findRow(Connection& connection, const Address& address, const Profile& profile) {
+int32_t findRow(Connection& connection, const char* pattern, const Address& address,
+                const Profile& profile) {
     return connection.read(
-        [&](Session& session) { return Run(session, Verb::kIsPresent, address, profile).step(); });
+        [&](Session& session) { return Run(session, pattern, address, profile).step(); });
 }
 
 // In a block from malloc; null when memory has run out.
@@ -106,7 +102,7 @@ using Ids = std::vector<Id>;
 // Throws std::bad_alloc.
 int32_t readNodes(Session& session, const Address& list, const Profile& profile, Ids& ids) {
     ids.clear();
-    Run run(session, Verb::kListNodes, list, profile);
+    Run run(session, kListNodes, list, profile);
     int32_t result = run.step();
     for (; result == SQLITE_ROW; result = run.step()) {
         const StoredText text = run.text();
@@ -191,47 +187,48 @@ int32_t writeString(sqlite3* handle, const KeyPath* path, const Profile& profile
 }
 
 int32_t deleteItem(sqlite3* handle, const KeyPath* path, const Profile& profile) {
-    return useItem(
-        handle, path, profile.isOne() || profile.isAll(),
-        [&](Connection& used, const Address& item) { return deleteRows(used, item, profile); });
+    const auto remove = [&](Connection& used, const Address& item) {
+        const char* const pattern = profile.isAll() ? kDeleteItemInAllProfiles : kDeleteItem;
+        return deleteRows(used, pattern, item, profile);
+    };
+    return use(handle, path, kItem, profile.isOne() || profile.isAll(), remove);
 }
 
 int32_t isItemPresent(sqlite3* handle, const KeyPath* path, const Profile& profile) {
-    return useItem(handle, path, profile.isOne(), [&](Connection& used, const Address& item) {
-               return findRow(used, item, profile);
-           }) == SQLITE_ROW;
+    const auto find = [&](Connection& used, const Address& item) {
+        return findRow(used, kFindItem, item, profile);
+    };
+    return use(handle, path, kItem, profile.isOne(), find) == SQLITE_ROW;
 }
 
 int32_t deleteNodes(sqlite3* handle, const KeyPath* path, const Profile& profile) {
-    const auto isAllowed = [&](const Address& address) {
-        return (address.shape == Shape::kWholeList && profile.isAll()) ||
-               (address.shape == Shape::kNode && (profile.isOne() || profile.isAll()));
+    const auto remove = [&](Connection& used, const Address& nodes) {
+        if (nodes.shape == Shape::kNode) {
+            const char* const pattern = profile.isAll() ? kDeleteNodeInAllProfiles : kDeleteNode;
+            return deleteRows(used, pattern, nodes, profile);
+        }
+        return profile.isAll() ? deleteRows(used, kDeleteAllNodes, nodes, profile) : SQLITE_MISUSE;
     };
-    return use(handle, path, isAllowed, [&](Connection& used, const Address& nodes) {
-        return deleteRows(used, nodes, profile);
-    });
+    return use(handle, path, {Shape::kNode, Shape::kWholeList}, profile.isOne() || profile.isAll(),
+               remove);
 }
 
 int32_t isNodePresent(sqlite3* handle, const KeyPath* path, const Profile& profile) {
-    const auto isAllowed = [&](const Address& address) {
-        return address.shape == Shape::kNode && profile.isOne();
+    const auto find = [&](Connection& used, const Address& node) {
+        return findRow(used, kFindNode, node, profile);
     };
-    return use(handle, path, isAllowed, [&](Connection& used, const Address& node) {
-               return findRow(used, node, profile);
-           }) == SQLITE_ROW;
+    return use(handle, path, {Shape::kNode}, profile.isOne(), find) == SQLITE_ROW;
 }
 
 char** listNodes(sqlite3* handle, const KeyPath* path, const char* listName,
                  const Profile& profile) try {
-    const auto isAllowed = [&](const Address& address) {
-        return address.shape == Shape::kWholeList && profile.isOne() && listName != nullptr &&
-               address.list == listName;
-    };
     Ids ids;
     const auto read = [&](Connection& used, const Address& list) {
-        return used.read([&](Session& session) { return readNodes(session, list, profile, ids); });
+        return listName == nullptr || list.list != listName
+                   ? SQLITE_MISUSE
+                   : used.read([&](Session& it) { return readNodes(it, list, profile, ids); });
     };
-    if (use(handle, path, isAllowed, read) != SQLITE_OK) {
+    if (use(handle, path, {Shape::kWholeList}, profile.isOne(), read) != SQLITE_OK) {
         return nullptr;
     }
     auto** const array = static_cast<char**>(std::malloc((ids.size() + 1) * sizeof(char*)));

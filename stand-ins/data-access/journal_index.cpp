@@ -48,13 +48,6 @@ int mapOwn(sqlite3_file* file, int region, int size, int extend, volatile void**
     return result == SQLITE_OK ? SQLITE_READONLY : result;
 }
 
-std::array<sqlite3_io_methods, 2> guardedMethods() {
-    std::array methods = {*sqlites, *sqlites};
-    methods[static_cast<size_t>(Index::kShared)].xShmMap = mapShared;
-    methods[static_cast<size_t>(Index::kOwn)].xShmMap = mapOwn;
-    return methods;
-}
-
 }  // namespace
 
 void guardIndex(sqlite3* connection, Index index) {
@@ -65,9 +58,12 @@ void guardIndex(sqlite3* connection, Index index) {
     }
     static const std::array methods = [&] {
         sqlites = file->pMethods;
-        return guardedMethods();
+        std::array guarded = {*sqlites, *sqlites};
+        guarded[0].xShmMap = mapShared;
+        guarded[1].xShmMap = mapOwn;
+        return guarded;
     }();
     if (file->pMethods == sqlites) {
-        file->pMethods = &methods[static_cast<size_t>(index)];
+        file->pMethods = &methods[index == Index::kShared ? 0 : 1];
     }
 }

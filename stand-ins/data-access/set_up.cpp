@@ -3,11 +3,7 @@
 #include <sys/mman.h>
 
 #include <cerrno>
-#include <cstring>
-#include <memory>
 #include <new>
-
-#include "system/deleted_by.h"
 
 namespace {
 
@@ -21,43 +17,29 @@ constexpr size_t kPage = 4096;
 // opens the database reads it.
 constexpr int kPagesOfJournal = 100;
 
-// Executes a PRAGMA journal_mode; stores whether the journal is the write-ahead one now.
-int32_t journalMode(sqlite3* connection, const char* sql, bool& isWriteAhead) {
-    const auto look = [](void* is, int, char** values, char**) {
-        *static_cast<bool*>(is) = values[0] != nullptr && std::strcmp(values[0], "wal") == 0;
-        return 0;
-    };
-    return primaryCode(sqlite3_exec(connection, sql, look, &isWriteAhead, nullptr));
-}
-
 // SQLite finds out too late: it changes the journal, and the first use of it fails. So the file of
 // the turns, in the same folder, is mapped. Where there is none nothing is known, and the journal
 // stays as it is.
-enum class SharedMemory { kWorks, kFails, kUnknown };
+enum class SharedMemory { kWorks, kFails, kUnknown, kNotNow };
 
-int32_t trySharedMemory(int file, SharedMemory& memory) {
-    memory = SharedMemory::kUnknown;
+SharedMemory trySharedMemory(int file) {
     if (file < 0) {
-        return SQLITE_OK;
+        return SharedMemory::kUnknown;
     }
     void* const mapped = mmap(nullptr, kPage, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     if (mapped != MAP_FAILED) {
         munmap(mapped, kPage);
-        memory = SharedMemory::kWorks;
-        return SQLITE_OK;
+        return SharedMemory::kWorks;
     }
-    memory = SharedMemory::kFails;
-    return errno == ENOMEM || errno == EAGAIN || errno == ENFILE ? SQLITE_NOMEM : SQLITE_OK;
+    const bool mayWorkLater = errno == ENOMEM || errno == EAGAIN || errno == ENFILE;
+    return mayWorkLater ? SharedMemory::kNotNow : SharedMemory::kFails;
 }
 
 int32_t useWriteAheadJournal(sqlite3* connection) {
     // SQLite's busy handler isn't called for it.
-    const Moments moments(kLongestWaitForChange);
-    bool isWriteAhead = false;
-    int32_t result = SQLITE_OK;
-    do {
-        result = journalMode(connection, "PRAGMA journal_mode = WAL", isWriteAhead);
-    } while (result == SQLITE_BUSY && moments.pass());
+    const int32_t result = Moments(kLongestWaitForChange).whileIs(SQLITE_BUSY, [&] {
+        return execute(connection, "PRAGMA journal_mode = WAL");
+    });
     return result == SQLITE_BUSY ? SQLITE_OK : result;
 }
 
@@ -69,15 +51,13 @@ int32_t leaveWriteAheadJournal(const char* database) {
         sqlite3* opened = nullptr;
         int32_t result =
             primaryCode(sqlite3_open_v2(database, &opened, SQLITE_OPEN_READWRITE, nullptr));
-        const std::unique_ptr<sqlite3, DeletedBy<sqlite3_close>> connection(opened);
+        const Handle connection(opened);
         if (result == SQLITE_OK && toItself) {
             result = execute(opened, "PRAGMA locking_mode = EXCLUSIVE");
         }
-        bool isWriteAhead = false;
         if (result == SQLITE_OK) {
-            result = journalMode(opened,
-                                 toItself ? "PRAGMA journal_mode = DELETE" : "PRAGMA journal_mode",
-                                 isWriteAhead);
+            result =
+                execute(opened, toItself ? "PRAGMA journal_mode = DELETE" : "PRAGMA journal_mode");
         }
         if (result == SQLITE_OK || result == SQLITE_BUSY || result == SQLITE_NOMEM || toItself) {
             return result;
@@ -87,19 +67,14 @@ int32_t leaveWriteAheadJournal(const char* database) {
 }
 
 int32_t chooseJournal(Connection& connection) {
-    SharedMemory memory = SharedMemory::kUnknown;
-    if (const int32_t result = trySharedMemory(connection.turns->processes.descriptor(), memory)) {
-        return result;
+    const SharedMemory memory = trySharedMemory(connection.turns->processes.descriptor());
+    if (memory == SharedMemory::kNotNow) {
+        return SQLITE_NOMEM;
     }
     if (memory == SharedMemory::kFails) {
         return leaveWriteAheadJournal(sqlite3_db_filename(connection.get(), "main"));
     }
-    bool isWriteAhead = false;
-    const int32_t result = journalMode(connection.get(), "PRAGMA journal_mode", isWriteAhead);
-    if (result != SQLITE_OK || isWriteAhead || memory == SharedMemory::kUnknown) {
-        return result;
-    }
-    return useWriteAheadJournal(connection.get());
+    return memory == SharedMemory::kWorks ? useWriteAheadJournal(connection.get()) : SQLITE_OK;
 }
 
 int32_t setUp(Connection& connection) try {

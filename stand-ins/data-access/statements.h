@@ -10,17 +10,43 @@
 #include "stand-ins/data-access/connection.h"
 #include "stand-ins/data-access/item_address.h"
 
-enum class Verb { kGet, kSet, kDelete, kDeleteInAllProfiles, kIsPresent, kAddNode, kListNodes };
-
-// Numbers of the parameters in every statement; a statement uses those that it needs.
+// Patterns of statements. LIST stands for the name of the list, and what is in braces is left out
+// for plain items. Parameters have the same number in all of them.
 enum Parameter { kNode = 1, kKey, kProfile, kValue };
+inline constexpr char kGetItem[] =
+    "SELECT c_dal_value FROM tbl_{LIST_}dal_key_dal_value"
+    " WHERE {c_LIST = ?1 AND }c_dal_key = ?2 AND c_dal_profile_no = ?3";
+inline constexpr char kFindItem[] =
+    "SELECT 1 FROM tbl_{LIST_}dal_key_dal_value"
+    " WHERE {c_LIST = ?1 AND }c_dal_key = ?2 AND c_dal_profile_no = ?3";
+// Keeps the row and its place in the indexes where only the value changes.
+inline constexpr char kSetItem[] =
+    "INSERT INTO tbl_{LIST_}dal_key_dal_value ({c_LIST, }c_dal_key, c_dal_profile_no, c_dal_value)"
+    " VALUES ({?1, }?2, ?3, ?4) ON CONFLICT ({c_LIST, }c_dal_key, c_dal_profile_no)"
+    " DO UPDATE SET c_dal_value = excluded.c_dal_value";
+inline constexpr char kDeleteItem[] =
+    "DELETE FROM tbl_{LIST_}dal_key_dal_value"
+    " WHERE {c_LIST = ?1 AND }c_dal_key = ?2 AND c_dal_profile_no = ?3";
+inline constexpr char kDeleteItemInAllProfiles[] =
+    "DELETE FROM tbl_{LIST_}dal_key_dal_value WHERE {c_LIST = ?1 AND }c_dal_key = ?2";
+inline constexpr char kAddNode[] =
+    "INSERT OR IGNORE INTO tbl_LIST (c_LIST, c_dal_profile_no) VALUES (?1, ?3)";
+inline constexpr char kFindNode[] =
+    "SELECT 1 FROM tbl_LIST WHERE c_LIST = ?1 AND c_dal_profile_no = ?3";
+inline constexpr char kListNodes[] =
+    "SELECT c_LIST FROM tbl_LIST"
+    " WHERE c_dal_profile_no = ?3 AND c_LIST IS NOT NULL ORDER BY c_LIST";
+inline constexpr char kDeleteNode[] =
+    "DELETE FROM tbl_LIST WHERE c_LIST = ?1 AND c_dal_profile_no = ?3";
+inline constexpr char kDeleteNodeInAllProfiles[] = "DELETE FROM tbl_LIST WHERE c_LIST = ?1";
+inline constexpr char kDeleteAllNodes[] = "DELETE FROM tbl_LIST";
 
-// One run of the statement that does verb on rows of the address's shape. The bound texts belong to
+// One run of a statement on what an address means. The bound texts belong to
 // the caller, who outlives the run; its end releases the locks on the file. What was bound stays
 // until the next run binds it again.
 class Run {
   public:
-    Run(Session& session, Verb verb, const Address& address, const Profile& profile);
+    Run(Session& session, const char* pattern, const Address& address, const Profile& profile);
     ~Run();
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;

@@ -13,6 +13,7 @@
 #include "stand-ins/data-access/turns.h"
 #include "system/deleted_by.h"
 
+using Handle = std::unique_ptr<sqlite3, DeletedBy<sqlite3_close>>;
 using Statement = std::unique_ptr<sqlite3_stmt, DeletedBy<sqlite3_finalize>>;
 
 // Null if SQLite refuses the text.

@@ -72,11 +72,11 @@ bool ThreadQueue::enter(Clock::time_point deadline) {
         return true;
     }
     Waiter self;
-    append(self);
+    *linkTo(nullptr) = &self;
     if (self.called.wait_until(lock, deadline, [&] { return self.isNext; })) {
         return true;
     }
-    remove(self);
+    *linkTo(&self) = self.behind;
     return false;
 }
 
@@ -92,20 +92,12 @@ void ThreadQueue::leave() {
     }
 }
 
-void ThreadQueue::append(Waiter& waiter) {
-    Waiter** end = &first;
-    while (*end != nullptr) {
-        end = &(*end)->behind;
+ThreadQueue::Waiter** ThreadQueue::linkTo(const Waiter* waiter) {
+    Waiter** link = &first;
+    while (*link != waiter) {
+        link = &(*link)->behind;
     }
-    *end = &waiter;
-}
-
-void ThreadQueue::remove(const Waiter& waiter) {
-    Waiter** place = &first;
-    while (*place != &waiter) {
-        place = &(*place)->behind;
-    }
-    *place = waiter.behind;
+    return link;
 }
 
 int ProcessQueue::descriptor() {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -40,6 +41,16 @@ class Moments {
         return true;
     }
 
+    // Runs work, which returns a result, again while that is busy, until the deadline.
+    template <typename Work>
+    int32_t whileIs(int32_t busy, Work work) const {
+        int32_t result = work();
+        while (result == busy && pass()) {
+            result = work();
+        }
+        return result;
+    }
+
     Clock::time_point start() const { return begin; }
     Clock::time_point deadline() const { return end; }
 
@@ -62,8 +73,7 @@ class ThreadQueue {
         bool isNext = false;
         Waiter* behind = nullptr;
     };
-    void append(Waiter& waiter);
-    void remove(const Waiter& waiter);
+    Waiter** linkTo(const Waiter* waiter);
 
     std::mutex mutex;
     bool isHeld = false;

@@ -1,5 +1,5 @@
-// One setting of each form, and the nodes of a list, beside the same statements by SQLite alone,
-// prepared once for all keys, on a copy of the tables under the same pragmas.
+// One setting of each form, and the nodes of a list. The floor is the same statements by SQLite
+// alone, prepared once for all keys, on a copy of the tables with the same pragmas.
 #include <sqlite3.h>
 
 #include <cstdlib>
@@ -17,7 +17,7 @@ char text[64];
 char* copy;
 uint32_t length;
 
-// SQLite writes nothing for a value that is stored already: another one each time.
+// Alternates, because SQLite doesn't write a value that is stored already.
 const char* nextText() {
     static bool odd = false;
     return (odd = !odd) ? "1" : "0";
@@ -58,7 +58,7 @@ Work bare(const std::string& sql, const std::string& key = "") {
     };
 }
 
-// A form of settings; no list for a plain one. The node is always the same.
+// A form of settings; list is empty for a plain one. The node is always the same.
 struct Form {
     std::string name, key, list;
     std::string nodes = "tbl_" + list;
@@ -70,7 +70,7 @@ struct Form {
                          (list.empty() ? "" : ", c_" + list) + ") VALUES (?1, ?2, ?3" +
                          (list.empty() ? "" : ", 'n'") +
                          ") ON CONFLICT DO UPDATE SET c_dal_value = excluded.c_dal_value";
-    // An item of a list needs the row of its node, and both go to the disk as one.
+    // An item of a list needs the row of its node; both are committed together.
     Work set = list.empty()
                    ? bare(upsert, key)
                    : Work([begin = bare("BEGIN"), end = bare("COMMIT"), item = bare(upsert, key),
@@ -81,15 +81,15 @@ struct Form {
                          end();
                      });
 
-    // Adds a function that wants a stored value, and the statement that does the same.
+    // Adds a function that needs a stored value, and the statement that does the same.
     void row(const char* function, const Work& call, const Work& store, const std::string& sql,
              bool each = false) const {
         measure({function + (", " + name), call, bare(sql, key), store, set, each});
     }
 };
 
-// The functions of a setting: those of get and set have arguments of their own, the others the
-// node.
+// The functions of a setting. got and stored are the arguments of get and set, node those of the
+// others.
 // clang-format off
 #define CALL(function, arguments) [] { require(function arguments == 0, #function); }
 #define ROW(form, function, call, setting, stored, sql, each) \
@@ -119,8 +119,8 @@ void measureNodes(const Form& form) {
     form.row("DAL_CML_deleteAllS (node)", removeAll, store, "DELETE FROM " + form.nodes, true);
 }
 
-// Those that device.h offers as well, and all of both databases. The library hands SQL over as text
-// there, as it has to, and so does the floor.
+// The settings that device.h also has, and deleting everything, for which both the library and the
+// floor pass SQL as text.
 void measureRest(const Form& form) {
     constexpr const char* kClear =
         "BEGIN;"

@@ -4,7 +4,7 @@
 
 namespace {
 
-// The items of a list go with their nodes, by the tables' foreign keys.
+// Foreign keys delete the items of a list with their nodes.
 constexpr const char* kDeleteNodes[] = {
 #define INT_LIST(item, node, list, ...) "DELETE FROM tbl_" list ";",
 #define STRING_LIST INT_LIST
@@ -13,7 +13,7 @@ constexpr const char* kDeleteNodes[] = {
 
 }  // namespace
 
-// No result is looked at: whatever fails, as much is cleared as can be.
+// Results are ignored: as much as possible is cleared, whatever fails.
 int32_t DAL_CML_deleteAll(void) {
     int32_t result = 1;
     if (sqlite3* const persistent = openPersistentDatabase()) {

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int32_t kMinimum = std::numeric_limits<int32_t>::min();
 constexpr int32_t kMaximum = std::numeric_limits<int32_t>::max();
-constexpr int32_t kProfile = 0;  // the one that the settings address
+constexpr int32_t kProfile = 0;  // that the settings address
 constexpr uint32_t kExtra = 0;
 constexpr size_t kWordSize = 65;
 
@@ -129,8 +129,8 @@ int32_t deleteItem(const Item& item, const char* nodeId) {
                             : DAL_deleteItem(db, &path);
 }
 
-// In both scopes: an unprofiled item has its row under a profile number of the data access
-// library's choice, which this call reaches.
+// In both scopes: this call also deletes an unprofiled item, whose row has a profile number of the
+// data access library's choice.
 int32_t deleteInAllProfiles(const Item& item, const char* nodeId) {
     sqlite3* const db = connectionOf(item);
     const KeyPath path = itemPath(item, nodeId);
@@ -163,7 +163,7 @@ char** listNodes(const Item& item) {
     return DAL_listProfiledNodeItems(connectionOf(item), &path, listName(item), kProfile);
 }
 
-// The word is looked at whatever the read returned: a failed one has delivered the default.
+// The result doesn't matter for the word: a read that fails has delivered the default.
 int32_t getNumber(const Item& item, Words words, int32_t* value, int32_t initial) {
     char text[kWordSize];
     uint32_t length = 0;

@@ -1,6 +1,6 @@
-// What the accessors of the settings are made of: where an item lies, and a function for each kind
-// of call on it. Each opens the item's database if need be, makes one call of the data access
-// library with the arguments that follow the item, and returns its result.
+// The parts of the accessors of the settings: where an item is stored, and a function for each kind
+// of call on it. Each function opens the item's database if necessary, makes one call of the data
+// access library with the arguments that follow the item, and returns its result.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 enum class Database : uint8_t { Persistent, Volatile };
 enum class Scope : uint8_t { Profiled, Unprofiled };
 
-// Each list has one item, for which it's named here.
+// Every list has one kind of item; its enumerator has the item's name.
 enum class List : uint8_t {
     None,
 #define INT_LIST(item, ...) item,
@@ -20,7 +20,7 @@ enum class List : uint8_t {
 #include "settings/catalogue.def"
 };
 
-// The key lies in the row itself: a pointer to it would have to be relocated in each process.
+// The key is an array because a pointer would have to be relocated in each process.
 struct Item {
     Database database;
     Scope scope;
@@ -28,7 +28,7 @@ struct Item {
     char key[37];
 };
 
-// nodeId says which node of the list is meant; null for an item that is in no list.
+// nodeId is a node of the list, or null for an item that is in no list.
 int32_t getBOOL(const Item& item, const char* nodeId, BOOL* value, BOOL initial);
 int32_t getInt(const Item& item, const char* nodeId, int32_t* value, int32_t initial);
 int32_t getString(const Item& item, const char* nodeId, char* buffer, uint32_t* valueInfo,

@@ -14,7 +14,7 @@
 
 namespace {
 
-// A node table, and an item table whose rows go with their node.
+// A node table, and an item table whose rows are deleted with their node.
 #define LIST_TABLES(list)                                                                \
     "CREATE TABLE IF NOT EXISTS tbl_" list " (c_" list                                   \
     " TEXT, c_dal_profile_no TEXT, UNIQUE(c_" list ", c_dal_profile_no));",              \
@@ -45,7 +45,7 @@ struct SettingsDatabase {
     std::span<const char* const> schema;
     std::atomic<sqlite3*> handle = nullptr;
     std::atomic<bool> isOpening = false;
-    std::atomic<int> attempts = 0;  // to open it, that are over
+    std::atomic<int> attempts = 0;  // to open it, finished
 
     // After the first success one load and one test. If several threads arrive first, one opens the
     // database and the others wait for its result. If each tried in turn, the last would wait many

@@ -3,8 +3,8 @@
 
 #include <sqlite3.h>
 
-// The connection to the persistent or the volatile database, or null if it can't be opened, which
-// has been reported then. The first call opens; after a failure the next call tries again. The
-// connection stays open until the process ends and must not be closed. Any thread may call.
+// Returns the connection to the persistent or the volatile database, or null if it can't be opened,
+// which is logged. The first call opens the database; after a failure the next call tries again.
+// The connection stays open until the process ends and must not be closed. Any thread may call.
 sqlite3* openPersistentDatabase();
 sqlite3* openVolatileDatabase();

@@ -1,5 +1,5 @@
-// What the settings ask of the data access library, of SQLite and of the system, word for word: all
-// of them are played here, and each call is told in a line.
+// The exact calls that the settings make of the data access library, SQLite and the system. All of
+// them are replaced here, and each call is noted as a line.
 #include "contracts/data_access.h"
 
 #include <cctype>
@@ -15,7 +15,7 @@ constexpr int32_t kAnswer = 77;  // of a call on an item
 static std::string kept;         // what a getter of a text delivers
 static char* nodes[1];           // of a listing
 
-// An argument in words; a connection is played by its name. What a getter delivers is written.
+// An argument as text; a connection is replaced by its name. Also stores what a getter delivers.
 struct Shown {
     Shown(std::integral auto value) : words(std::to_string(value)) {}
     Shown(const char* string) : words(string == nullptr ? "null" : string) {}
@@ -35,7 +35,7 @@ struct Shown {
     std::string words;
 };
 
-static int32_t tell(int32_t answer, std::string call, std::initializer_list<Shown> arguments) {
+static int32_t note(int32_t answer, std::string call, std::initializer_list<Shown> arguments) {
     for (const Shown& argument : arguments) {
         call += " " + argument.words;
     }
@@ -47,10 +47,10 @@ static int32_t tell(int32_t answer, std::string call, std::initializer_list<Show
 #define MORE(...) __VA_OPT__(,) __VA_ARGS__
 #define ON_ITEM(verb, noun, parameters, arguments)                                              \
     int32_t DAL_##verb##noun(sqlite3* db, const KeyPath* key MORE parameters) {                 \
-        return tell(kAnswer, #verb #noun, {db, key MORE arguments});                            \
+        return note(kAnswer, #verb #noun, {db, key MORE arguments});                            \
     }                                                                                           \
     int32_t DAL_##verb##Profiled##noun(sqlite3* db, const KeyPath* key MORE parameters, int32_t profile) { \
-        return tell(kAnswer, #verb "Profiled" #noun, {db, key MORE arguments, profile});        \
+        return note(kAnswer, #verb "Profiled" #noun, {db, key MORE arguments, profile});        \
     }
 ON_ITEM(get, TypeBOOL, (BOOL* a, BOOL b), (a, b))
 ON_ITEM(get, TypeInt, (int32_t* a, int32_t b), (a, b))
@@ -61,19 +61,19 @@ ON_ITEM(set, TypeIntLimits, (int32_t a, uint32_t b, int32_t c, int32_t d), (a, b
 ON_ITEM(set, TypeString, (const char* a, uint32_t b), (a, b))
 ON_ITEM(delete, Item, (), ())
 ON_ITEM(is, Present, (), ())
-int32_t DAL_deleteProfiledNodeItem(sqlite3* a, const KeyPath* b, int32_t c) { return tell(kAnswer, "deleteProfiledNodeItem", {a, b, c}); }
-int32_t DAL_isProfiledNodePresent(sqlite3* a, const KeyPath* b, int32_t c) { return tell(kAnswer, "isProfiledNodePresent", {a, b, c}); }
-char** DAL_listProfiledNodeItems(sqlite3* a, const KeyPath* b, const char* c, int32_t d) { tell(0, "listProfiledNodeItems", {a, b, c, d}); return nodes; }
-int32_t DAL_SetDBConfiguration(sqlite3* a) { return tell(0, "SetDBConfiguration", {a}); }
-int32_t DAL_CreateFlatKeyTable(sqlite3* a) { return tell(0, "CreateFlatKeyTable", {a}); }
-int32_t DAL_DeleteFlatKeyTable(sqlite3* a) { return tell(0, "DeleteFlatKeyTable", {a}); }
-int32_t DAL_ExecuteQuery(sqlite3* a, const char* b) { return tell(0, "ExecuteQuery", {a, b}); }
-int sqlite3_close(sqlite3* a) { return tell(0, "sqlite3_close", {a}); }
+int32_t DAL_deleteProfiledNodeItem(sqlite3* a, const KeyPath* b, int32_t c) { return note(kAnswer, "deleteProfiledNodeItem", {a, b, c}); }
+int32_t DAL_isProfiledNodePresent(sqlite3* a, const KeyPath* b, int32_t c) { return note(kAnswer, "isProfiledNodePresent", {a, b, c}); }
+char** DAL_listProfiledNodeItems(sqlite3* a, const KeyPath* b, const char* c, int32_t d) { note(0, "listProfiledNodeItems", {a, b, c, d}); return nodes; }
+int32_t DAL_SetDBConfiguration(sqlite3* a) { return note(0, "SetDBConfiguration", {a}); }
+int32_t DAL_CreateFlatKeyTable(sqlite3* a) { return note(0, "CreateFlatKeyTable", {a}); }
+int32_t DAL_DeleteFlatKeyTable(sqlite3* a) { return note(0, "DeleteFlatKeyTable", {a}); }
+int32_t DAL_ExecuteQuery(sqlite3* a, const char* b) { return note(0, "ExecuteQuery", {a, b}); }
+int sqlite3_close(sqlite3* a) { return note(0, "sqlite3_close", {a}); }
 int sqlite3_open(const char* path, sqlite3** db) {
     *db = reinterpret_cast<sqlite3*>(const_cast<char*>(path[1] == 'm' ? "persistent" : "volatile"));
-    return tell(0, "sqlite3_open", {path});
+    return note(0, "sqlite3_open", {path});
 }
-int system(const char* command) { return tell(0, "system", {command}); }
+int system(const char* command) { return note(0, "system", {command}); }
 // clang-format on
 
 namespace {
@@ -92,8 +92,7 @@ class EachSetting : public testing::TestWithParam<Setting> {
   protected:
     void SetUp() override { DAL_CML_deleteAll(); }
 
-    // A call that the setting's function makes on this path; its arguments, and the profile's
-    // number where only the profiled form has it.
+    // Expects one call on this path, with the profile number if the setting is profiled.
     void expect(const std::string& verb, const std::string& noun, const std::string& path,
                 const std::string& rest = "") const {
         const bool isProfiled = setting.isProfiled;
@@ -125,7 +124,7 @@ class EachSetting : public testing::TestWithParam<Setting> {
     }
     void checkWords() {
         Texts words = setting.words;
-        words.emplace_back();  // of a number that has none
+        words.emplace_back();  // a number without a word
         for (size_t i = 0; i < words.size(); ++i) {
             const std::string number = std::to_string(i);
             kept = words[i];
@@ -154,7 +153,7 @@ class EachSetting : public testing::TestWithParam<Setting> {
         (list.empty() ? "" : list + " n/") + "dal_key " + spelled(setting.name, '-');
 };
 
-TEST_P(EachSetting, MakesItsCallsAndGivesTheirResults) {
+TEST_P(EachSetting, MakesItsCallsAndReturnsTheirResults) {
     calls.clear();
     EXPECT_EQ(setting.getDefault(), setting.initial);
     setting.getMalloc ? checkText() : setting.words.empty() ? checkNumber() : checkWords();
@@ -172,7 +171,7 @@ TEST_P(EachSetting, MakesItsCallsAndGivesTheirResults) {
 INSTANTIATE_TEST_SUITE_P(Settings, EachSetting, testing::ValuesIn(kSettings),
                          testing::PrintToStringParamName());
 
-// The text once for each list, in place of the @.
+// Repeats the text for each list, whose name replaces @.
 std::string forEachList(const std::string& pattern) {
     std::string all;
     for (const char* list :

@@ -1,5 +1,5 @@
-// Whether the data access library that the loader finds under its soname keeps its contract, on a
-// database of the test's own in TMPDIR. Of this project it needs nothing else.
+// Checks the data access library that the loader finds against its contract, on a database of its
+// own in TMPDIR. It needs nothing else from this project.
 #include "contracts/data_access.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ const KeyPath kSecond{{{"az_09", "m"}, {"dal_key", "k"}}};
 const KeyPath kNode{{{"az_09", "n"}}};
 const KeyPath kWholeList{{{"az_09", nullptr}}};
 
-thread_local uint32_t word = 0;  // the caller's, for the library's use
+thread_local uint32_t word = 0;  // of the caller, for the library
 
 struct Gotten {
     int32_t value, result;
@@ -49,7 +49,7 @@ struct Access {
          const int32_t result = DAL_get##Scope##Type(db, key, &value, initial MORE(__VA_ARGS__));      \
          return Gotten{value, result};                                                                 \
      }, OF_EACH_TYPE(Scope, __VA_ARGS__)}
-// Numbers as texts, to which the library keeps no pointer.
+// Numbers as texts; the library keeps no pointer to them.
 #define TEXT(Scope, ...)                                                                               \
     {#Scope "TypeString", [](auto db, auto key, int32_t value) {                                       \
          return DAL_set##Scope##TypeString(db, key, std::to_string(value).c_str(), 0 MORE(__VA_ARGS__)); \
@@ -203,7 +203,7 @@ TEST_F(DataAccessContract, TheFlatKeyTableKeepsItsRowsUntilTheyAreDeletedInATran
     EXPECT_EQ(DAL_DeleteFlatKeyTable(db), 0);
     EXPECT_EQ(kPlainInt.get(other, &kPlain, 5).value, 1) << "it isn't committed";
     execute("COMMIT;");
-    EXPECT_EQ(kPlainInt.get(other, &kPlain, 5).value, 5) << "it's looked up each time";
+    EXPECT_EQ(kPlainInt.get(other, &kPlain, 5).value, 5) << "nothing is cached";
     expectStored(kInt, kItem, kAbsent);
     EXPECT_EQ(kPlainInt.set(db, &kPlain, 0), 0);
     expectStored(kPlainInt, kPlain, 0);

@@ -1,4 +1,4 @@
-// Every exported function while what it calls fails, one call at a time.
+// Runs every exported function while one of the calls that it makes fails.
 #include "support/fault.h"
 
 #include <dlfcn.h>
@@ -16,15 +16,15 @@
 #include "support/calls.h"
 #include "support/sqlite_query.h"
 
-// What is made to fail: these, which the played kernel has, and all that follow.
+// The functions that can fail: these are replaced elsewhere, the others below.
 // clang-format off
 static std::vector<const char*> functions = {
     "recv", "system", "malloc", "if_nametoindex", "mnl_socket_open", "mnl_socket_bind",
     "mnl_socket_sendto", "mnl_socket_recvfrom", "mnl_socket_setsockopt"};
 // clang-format on
 
-// System and library calls: one of them fails, the others go on to the real one. The names are
-// those that the dynamic linker knows. Arguments are handed on as they came, in whole words.
+// System and library calls: one fails, the others reach the real function. The names are the
+// symbols that the dynamic linker looks up. Arguments are passed on as whole words.
 using Words = long (*)(long, long, long, long, long, long, long, long);
 #define PLAYED_IF(condition, name, failure, error)                                        \
     extern "C" long played_##name(long a, long b, long c, long d, long e, long f, long g, \
@@ -41,12 +41,12 @@ using Words = long (*)(long, long, long, long, long, long, long, long);
 
 #define PLAYED(...) PLAYED_IF(true, __VA_ARGS__)
 
-// No kernel refuses to take a lock back.
+// The kernel never refuses to release a lock.
 static bool givesUpLock(long command, long argument) {
     return command == F_SETLK && reinterpret_cast<const flock*>(argument)->l_type == F_UNLCK;
 }
 
-// Other statements may be SQLite's own, which doesn't expect that of them.
+// The others may be run by SQLite itself, which would ignore the failure.
 static bool isOfTransaction(long statement) {
     const char* const sql = sqlite3_sql(reinterpret_cast<sqlite3_stmt*>(statement));
     return sql != nullptr &&
@@ -76,15 +76,14 @@ extern "C" int system(const char* command) {
         errno = EAGAIN;
         return -1;
     }
-    // The folder of the databases is there: a shell that makes it takes longer than all that is
-    // tested.
+    // The folder of the databases exists, and a shell takes longer than all the rest.
     return inLibrary && std::strncmp(command, "mkdir", 5) == 0 ? 0 : next(command);
 }
 
 static long liveBlocks = 0;
 
 #ifndef __SANITIZE_ADDRESS__
-// The sanitizer has an allocator of its own, and tells of leaks by itself.
+// The sanitizer has its own allocator and finds leaks itself.
 #define ALLOCATION(name, parameters, arguments, newBlocks) \
     extern "C" void* __libc_##name parameters;             \
     extern "C" void* name parameters {                     \
@@ -109,37 +108,37 @@ namespace {
 
 using Faults = Calls;
 
-// What must not grow.
+// What must not grow from call to call.
 struct Held {
     long blocks = liveBlocks;
     int descriptors = openDescriptors();
 };
 
-// How often the call makes the library call the function.
+// Returns how often the library calls the function during this call.
 int countOf(const Call& call, const char* function) {
     fault = {function, 0};
     EXPECT_EQ(call.result(), call.good);
     return -std::exchange(fault, {}).call;
 }
 
-// Runs the call while the function's call of that number fails.
+// Runs the call while the library's call of that number fails.
 void runFailing(const Call& call, const char* function, int number) {
     fault = {function, number};
     const std::string result = call.result();
     fault = {};
     EXPECT_TRUE(result == call.good || std::ranges::count(call.failed, result) > 0) << result;
-    EXPECT_EQ(call.result(), call.good) << "the call behind it";
+    EXPECT_EQ(call.result(), call.good) << "the next call";
     EXPECT_TRUE(waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD);
 }
 
-// The emulated board has time for a sample: each eighth of a function's calls and of the settings.
+// On the emulated board, which is slow, every eighth call and every eighth setting.
 constexpr int kStride = sizeof(void*) == 4 ? 8 : 1;
 
 class EachCall : public Calls, public testing::WithParamInterface<Subject> {
   protected:
     static void failEach(const Call& call) {
         for (const char* const function : functions) {
-            // libstdc++ ends the process when it can't get memory for an entry of a directory.
+            // libstdc++ ends the process if it can't allocate an entry of a directory.
             if (call.name.starts_with("CML_getNetworkPortsList") &&
                 std::strcmp(function, "malloc") == 0) {
                 continue;
@@ -160,7 +159,7 @@ class EachCall : public Calls, public testing::WithParamInterface<Subject> {
 
 TEST_P(EachCall, LeavesTheDocumentedResultAndNothingElse) {
     for (const Call& call : GetParam().calls) {
-        // What is kept for the next time is kept now.
+        // Fills the caches.
         EXPECT_EQ(call.result(), call.good);
         EXPECT_EQ(call.result(), call.good);
         const Held before;
@@ -183,7 +182,7 @@ const KeyPath kTimeout{{{"dal_key", "display-off-timeout"}}};
 const KeyPath kIcon{{{"home_screen_icons", "n"}, {"dal_key", "home-screen-icon"}}};
 sqlite3* own = nullptr;
 
-// In a transaction of the caller's, on a connection of its own.
+// In a transaction of the caller's, on a second connection.
 int32_t changeWithin(const char* end) {
     DAL_ExecuteQuery(own, "BEGIN TRANSACTION;");
     const int32_t set = DAL_setProfiledTypeString(own, &kIcon, "9", 0, 0);
@@ -210,23 +209,16 @@ const Change kChanges[] = {
     {"a delete of a node", [] { return DAL_CML_deleteHomeScreenIconsNode("n"); }, "1||0"},
     {"a transaction", [] { return changeWithin("COMMIT;"); }, "|9|1"},
     {"a change after a rollback", undoAndChange, "|1|1"},
-    // The result of this one doesn't say whether it has failed.
+    // Its result doesn't show a failure.
     {"a delete of all", [] { return DAL_CML_deleteAll() + 1; }, "||0"},
 };
-
-std::string stored() {
-    const std::string value = "(SELECT coalesce(max(c_dal_value), '') FROM tbl_";
-    return query(kFile, "SELECT " + value + "dal_key_dal_value), " + value +
-                            "home_screen_icons_dal_key_dal_value), (SELECT count(*) FROM "
-                            "tbl_home_screen_icons)");
-}
 
 void prepareChange() {
     EXPECT_EQ(DAL_CML_setDisplayOffTimeout(1) + DAL_CML_setHomeScreenIcon("n", "1"), 0);
     EXPECT_EQ(stored(), "1|1|1");
 }
 
-// Makes the change while that call of the function fails. False if there are less calls.
+// Makes the change while that call fails. Returns false if there are fewer calls.
 bool failChange(const Change& change, const Fault& failing) {
     SCOPED_TRACE(joined(change.name, failing.function, failing.call));
     fault = failing;
@@ -239,7 +231,7 @@ bool failChange(const Change& change, const Fault& failing) {
     return happened;
 }
 
-// What work returns in a process of its own.
+// Returns what work returns in a child process.
 bool inChild(const std::function<bool()>& work) {
     std::fflush(stdout);
     const pid_t child = fork();
@@ -258,7 +250,8 @@ TEST_F(Faults, AChangeIsMadeAsAWholeOrNotAtAllInTheFirstUseToo) {
     run("mkdir -p /mnt/vex-data/m7");
     inChild([] { return prepareChange(), false; });
     for (const char* const function : functions) {
-        const bool persists = std::strstr(function, "fcntl") == nullptr;  // SQLite waits for a lock
+        const bool persists =
+            std::strstr(function, "fcntl") == nullptr;  // else SQLite retries for 10 s
         Fault failing{function, 1, persists};
         while (inChild([=] { return failChange(kChanges[0], failing); })) {
             failing.call += 3 * kStride;
@@ -274,8 +267,8 @@ TEST_F(Faults, AChangeIsMadeAsAWholeOrNotAtAllInTheFirstUseToo) {
     }
 }
 
-// A played function that nobody sees would make nothing fail.
-TEST_F(Faults, TheLibraryCallsThePlayedFunctionsAndAScanAllocatesNothing) {
+// A replacement that the library doesn't call would make nothing fail.
+TEST_F(Faults, TheLibraryCallsTheReplacementsAndAScanAllocatesNothing) {
     const std::vector<Subject> subjects = functionSubjects();
     for (const char* const function :
          {"socket", "send", "recv", "open64", "read", "popen", "system", "pwrite64"}) {

@@ -1,5 +1,5 @@
-// For the program whose one source includes this: the file calls that SQLite makes, which a process
-// may slow down, refuse and record, and what a power loss leaves of a recorded folder.
+// Replaces file calls of the one program whose source includes this: they can be slowed down,
+// refused and recorded. Also computes what a power loss leaves of a recorded folder.
 #pragma once
 
 #include <dlfcn.h>
@@ -16,11 +16,11 @@
 #include <span>
 #include <string>
 
-static unsigned syncMicroseconds = 0;  // that each sync takes longer
+static unsigned syncMicroseconds = 0;  // added to each sync
 static bool noSharedMappings = false;
 
 // A call on a file of the folder, whose own name is "": (c)reate, (w)rite, (t)runcate, (u)nlink,
-// (s)ync; or something that the program notes.
+// (s)ync; or a note of the program.
 struct Step {
     char kind;
     char name[47];
@@ -28,7 +28,7 @@ struct Step {
     std::string_view data;
 };
 
-// In memory that all processes share.
+// In memory shared by all processes.
 static struct Record {
     std::string_view folder;  // while one of them is recorded
     size_t count, used;
@@ -38,7 +38,7 @@ static struct Record {
                                        MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
 
 static void note(char kind, std::string_view path, int64_t offset = 0, std::string_view data = {}) {
-    // The index of the write-ahead log is a mapping, and made anew by the first who opens.
+    // The first process that opens the database makes the index of the write-ahead journal again.
     if (record.folder.empty() || !path.starts_with(record.folder) || path.ends_with("-shm")) {
         return;
     }
@@ -58,7 +58,7 @@ static void note(char kind, int file, int64_t offset = 0, std::string_view data 
     }
 }
 
-// The names are those that the dynamic linker knows.
+// The names are the symbols that the dynamic linker looks up.
 #define PLAYED(name, Result, parameters, arguments, before, after)                                \
     extern "C" Result played_##name parameters __asm__(#name);                                    \
     Result played_##name parameters {                                                             \
@@ -85,7 +85,7 @@ using Random = std::mt19937;
 using Steps = std::span<const Step>;
 using Folder = std::map<std::string, std::string>;  // the files by their names
 
-// Whether a later step has synced the file, or for its making and removal the folder.
+// Whether a later step has synced the file, or the folder if the step creates or removes the file.
 inline bool isDurable(const Step& step, Steps later) {
     const bool isEntry = step.kind == 'c' || step.kind == 'u';
     const std::string_view name = isEntry ? "" : step.name;
@@ -94,7 +94,7 @@ inline bool isDurable(const Step& step, Steps later) {
     return end != later.end() && end->kind == 's';  // otherwise another file of that name follows
 }
 
-// Of a write that isn't durable each sector is there or isn't.
+// Of a write that isn't durable, each sector may be lost.
 inline void writeSectors(std::string& file, const Step& step, bool isTorn, Random& random) {
     constexpr size_t kSector = 512;
     auto offset = static_cast<size_t>(step.offset);
@@ -107,9 +107,9 @@ inline void writeSectors(std::string& file, const Step& step, bool isTorn, Rando
     }
 }
 
-// The folder as it may be found when the power goes after these steps.
+// One of the states in which the folder may be found if the power fails after these steps.
 inline Folder afterPowerLoss(Folder folder, Steps steps, Random& random) {
-    std::set<std::string> lost;  // made, but not found in the folder
+    std::set<std::string> lost;  // created, but lost with the folder's entry
     for (const Step& step : steps) {
         const bool durable = isDurable(step, {&step + 1, steps.data() + steps.size()});
         const bool happens = durable || random() % 2 == 0;

@@ -1,9 +1,9 @@
-// The settings in situations that a console meets once a year: the table at the end.
+// Runs the settings through the rare situations listed in the table at the end.
 //
-// Without arguments it's a short sample of each, in memory, and no time is judged. With
+// Without arguments each is a short sample in memory, in which no time is judged. With
 //     settings_soak FOLDER [MILLISECONDS]
-// each goes on until its bounds mean something, on the file system of FOLDER, which is in neither
-// /mnt nor /tmp/m7, and with every sync slowed by so much.
+// each runs until its bounds mean something, on the file system of FOLDER (not in /mnt or /tmp/m7),
+// and every sync takes so many milliseconds longer.
 #include <sys/wait.h>
 
 #include <atomic>
@@ -30,9 +30,9 @@ T sampleOr(T sample, T whole) {
     return scratch.empty() ? sample : whole;
 }
 
-// What came of the calls of one kind, in all processes.
+// The results and times of the calls of one kind, in all processes.
 struct Tally {
-    std::atomic<size_t> count, failed, refused;  // the last without a wait
+    std::atomic<size_t> count, failed, refused;  // refused: failed without a wait
     float milliseconds[1 << 20];
 
     int32_t operator()(auto call, auto... arguments) {
@@ -70,7 +70,7 @@ pid_t start(auto work) {
     std::fflush(stdout);
     const pid_t process = fork();
     if (process == 0) {
-        alarm(sampleOr(100u, 600u));  // ends, and so fails, who hangs
+        alarm(sampleOr(100u, 600u));  // ends a process that hangs, which fails then
         work();
         std::fflush(stdout);
         _exit(testing::Test::HasFailure() ? 1 : 0);
@@ -90,7 +90,7 @@ void inProcess(auto work) {
     EXPECT_EQ(status, 0) << "of a process";
 }
 
-// Threads of processes that do work(process, thread, round) until it's over, and once more.
+// Starts processes whose threads run work(process, thread, round) until it is over, and once more.
 void many(int processes, int threads, auto work) {
     for (int process = 0; process < processes; ++process) {
         start([=] {
@@ -108,7 +108,7 @@ void many(int processes, int threads, auto work) {
     }
 }
 
-// Another program that opens both files, does this and keeps what it has locked, until it's over.
+// Starts another program that opens both files, executes sql and keeps its locks until it is over.
 void hold(const char* sql, std::chrono::seconds sample, std::chrono::seconds whole) {
     start([&] {
         for (const std::string& path : {kFile, kVolatileFile}) {
@@ -132,7 +132,7 @@ void forTenSeconds() {
     many(processes, threads, work);
 }
 
-// The calls whose time counts.
+// The calls whose times are judged.
 const auto setTimeout = [](int i) { return shared.sets(DAL_CML_setDisplayOffTimeout, i); };
 const auto deleteAll = [] { return shared.clears(DAL_CML_deleteAll); };
 int32_t setIcon(const std::string& node, int i) {
@@ -156,7 +156,7 @@ int32_t change(int i) {
                         : setIcon(node, i);
 }
 
-// All that is changed here.
+// All settings that are changed here.
 std::string settings() {
     int32_t timeout = -9;
     DAL_CML_getDisplayOffTimeout(&timeout);
@@ -165,14 +165,6 @@ std::string settings() {
         all += " " + node + "=" + icon(node);
     }
     return all;
-}
-
-// The same as it's on the disk: the time-out, an icon, the number of nodes.
-std::string stored() {
-    const std::string value = "(SELECT coalesce(max(c_dal_value), '') FROM tbl_";
-    return query(kFile, "SELECT " + value + "dal_key_dal_value), " + value +
-                            "home_screen_icons_dal_key_dal_value), (SELECT count(*) FROM "
-                            "tbl_home_screen_icons)");
 }
 
 std::string integrity() {
@@ -193,7 +185,7 @@ void setBesideWriters(int process, int, int round) {
     std::this_thread::sleep_for(100ms);
 }
 
-// Each thread has a node of its own; a ninth process deletes all.
+// Each thread uses a node of its own; a ninth process deletes everything.
 void useNode(int process, int thread, int round) {
     if (process == 8) {
         shared.clearing = true;
@@ -247,7 +239,7 @@ void onWriteAheadFile() {
     forTenSeconds<4, 1, useAll>();
 }
 
-// Runs work on such a folder, and gives what it does there.
+// Runs work in such a folder and returns what it does there.
 Steps recorded(const Folder& folder, auto work) {
     const std::string path = "/mnt/vex-data/m7";
     for (const auto& old : std::filesystem::directory_iterator(path)) {
@@ -288,7 +280,7 @@ void losePower() {
         record.used = used;
         const Steps done = steps.first(random() % (steps.size() + 1));
         const auto isNote = [](const Step& step) { return step.kind == '!'; };
-        // As the last call that returned left them, or the one within.
+        // As the last finished call has left them, or as the interrupted one would.
         Texts allowed = {"30"};
         for (const Step& step : done | std::views::filter(isNote)) {
             allowed = {std::string(step.data)};
@@ -309,7 +301,7 @@ void changeForever() {
     }
 }
 
-// The child that such a process has made lives longer, with its descriptors.
+// Each killed process has a child that lives longer, with copies of its descriptors.
 void killInside() {
     Random random(1);
     for (int round = 0; round < sampleOr(20, 300); ++round) {
@@ -351,7 +343,8 @@ void besideStopped() {
     waitpid(process, nullptr, 0);
 }
 
-// In small blocks where the system can mount such a volume. What gets free is taken at once.
+// On a volume with small blocks, if it can be mounted. Another process fills each block that is
+// freed.
 void onFullVolume() {
     EXPECT_EQ(std::system("cd /mnt/test && truncate -s 4M volume && "
                           "(mkfs.ext4 -qb 1024 volume && mount volume /mnt/vex-data/m7) 2>&- || "
@@ -418,9 +411,9 @@ struct Situation {
     const char* name;
     void (*run)();
     bool sharedMappings = true;
-    // The longest that a call takes, in milliseconds.
+    // The longest time of a call, in milliseconds.
     float set = HUGE_VALF, get = HUGE_VALF, clear = HUGE_VALF;
-    bool mayFail = false;  // after ten seconds
+    bool mayFail = false;  // after a wait of ten seconds
 
     friend void PrintTo(const Situation& row, std::ostream* out) { *out << row.name; }
 };

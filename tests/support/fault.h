@@ -1,4 +1,4 @@
-// One call of one function, or all from that one on, made to fail.
+// Makes one call of one function fail, or all from that one on.
 #pragma once
 
 #include <cstring>
@@ -35,7 +35,7 @@ Result callWithin(Result (*function)(Arguments...), Arguments... arguments) {
 inline struct Fault {
     const char* function = "";
     int call = 1;           // which one of them, from 1
-    bool persists = false;  // the later ones fail, too
+    bool persists = false;  // and all later calls
     bool happened = false;
 
     bool hits(const char* name) {

@@ -1,4 +1,4 @@
-// The databases of the settings, and a look into a database beside the library's own connection.
+// The files of the settings, and queries on a connection of the test's own.
 #pragma once
 
 #include <sqlite3.h>
@@ -8,8 +8,8 @@
 inline const std::string kFile = "/mnt/vex-data/m7/console-manager.db";
 inline const std::string kVolatileFile = "/tmp/m7/console-manager.db";
 
-// Runs SQL and gives the values of all rows, '|' between columns and ' ' between rows; what SQLite
-// says of it if it fails.
+// Executes SQL and returns the values of all rows, with '|' between columns and ' ' between rows,
+// or SQLite's message on failure.
 inline std::string query(const std::string& path, const std::string& sql) {
     const auto add = [](void* text, int count, char** values, char**) {
         auto& all = *static_cast<std::string*>(text);
@@ -25,4 +25,12 @@ inline std::string query(const std::string& path, const std::string& sql) {
     const int status = sqlite3_exec(db, sql.c_str(), add, &result, nullptr);
     sqlite3_close(db);
     return status == SQLITE_OK ? result : sqlite3_errstr(status);
+}
+
+// What is stored of the settings that tests change: the time-out, an icon, the number of nodes.
+inline std::string stored() {
+    const std::string value = "(SELECT coalesce(max(c_dal_value), '') FROM tbl_";
+    return query(kFile, "SELECT " + value + "dal_key_dal_value), " + value +
+                            "home_screen_icons_dal_key_dal_value), (SELECT count(*) FROM "
+                            "tbl_home_screen_icons)");
 }

@@ -1,5 +1,5 @@
-// The data access library on a connection of the test's own: what the settings don't reach. Beside
-// it the logger.
+// What the settings don't reach in the stand-in of the data access library, by a connection of the
+// test's own.
 #include "contracts/data_access.h"
 
 #include <fcntl.h>
@@ -12,13 +12,12 @@
 #include <utility>
 
 #include "console-manager/settings.h"
-#include "contracts/trace_debug.h"
 #include "support/sandbox.h"
 #include "support/sqlite_query.h"
 
 static sqlite3* writer = nullptr;
 
-// Time passes while somebody waits, and something can happen then.
+// The clock advances while a thread waits, and the test can act then.
 static std::atomic<int64_t> milliseconds = 0;
 static std::function<void()> whileWaiting = [] {};
 
@@ -28,8 +27,8 @@ extern "C" int nanosleep(const timespec* time, timespec*) {
     return 0;
 }
 
-// By how much each look at the clock advances it. It mustn't get far: a condition variable waits in
-// truth until the machine has been up for as long as that.
+// By how much each reading advances the clock. Not far: a condition variable really waits until the
+// machine has been up for so long.
 static thread_local int pace = 0;
 
 extern "C" int clock_gettime(clockid_t, timespec* now) {
@@ -54,15 +53,15 @@ class DataAccess : public Sandbox {
         EXPECT_EQ(other("CREATE TABLE t (a); BEGIN EXCLUSIVE"), 0);
         run("chown 7 " + kFile + " 2>/dev/null || :");
     }
-    // Opens the database of the settings when the writer is done.
+    // Opens the database of the settings after the writer has committed.
     void open() {
         whileWaiting = [] { other("COMMIT"); };
-        ASSERT_EQ(DAL_CML_deleteAll(), 0) << "makes the tables";
+        ASSERT_EQ(DAL_CML_deleteAll(), 0) << "tables are made";
         whileWaiting = [] {};
         sqlite3_open(kFile.c_str(), &db);
         ASSERT_EQ(DAL_SetDBConfiguration(db), 0);
     }
-    // What another program does.
+    // Executes SQL as another program.
     static int other(const char* sql) {
         return sqlite3_exec(writer, sql, nullptr, nullptr, nullptr);
     }
@@ -115,25 +114,6 @@ TEST_F(DataAccess, TheCallersTransactionIsItsOwn) {
     EXPECT_EQ(query(kFile, kFlatRows), "k||within");
 }
 
-TEST_F(DataAccess, OtherThreadsWaitForTheEndOfATransaction) {
-    open();
-    for (int32_t round = 0; round < 100; ++round) {
-        EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN DEFERRED"), 0);
-        std::atomic<bool> started = false;
-        std::thread other([&] {
-            started = true;
-            EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, round, 0, 0, 100), 0);
-        });
-        while (!started) {
-            std::this_thread::yield();
-        }
-        EXPECT_EQ(DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0), 0);
-        EXPECT_EQ(DAL_ExecuteQuery(db, "ROLLBACK"), 0);
-        other.join();
-        ASSERT_EQ(query(kFile, kFlatRows), "k||" + std::to_string(round)) << "undone with it";
-    }
-}
-
 TEST_F(DataAccess, ATransactionThatDoesNotBeginIsRefusedAsAWhole) {
     open();
     EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0);
@@ -173,7 +153,7 @@ TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {
     sqlite3_open(file.c_str(), &reader);
     sqlite3_open(file.c_str(), &own);
     EXPECT_EQ(sqlite3_exec(reader, "BEGIN; SELECT * FROM t", nullptr, nullptr, nullptr), 0);
-    close(STDIN_FILENO);  // its number is that of the file of the turns
+    close(STDIN_FILENO);  // so the file of the turns gets number 0
     const int64_t before = milliseconds;
     EXPECT_EQ(DAL_ExecuteQuery(own, "BEGIN") + DAL_ExecuteQuery(own, "ROLLBACK"), 0);
     EXPECT_EQ(DAL_SetDBConfiguration(own), 0);
@@ -187,7 +167,7 @@ TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {
     sqlite3_close(own);
 }
 
-// The locks of other processes, which a descriptor of the test's own has.
+// A descriptor of the test has the locks that other processes would have.
 TEST_F(DataAccess, ATurnIsWaitedForButOnceIfItNeverComes) {
     open();
     const int turns = ::open((kFile + "-turn").c_str(), O_RDWR | O_CLOEXEC);
@@ -199,7 +179,7 @@ TEST_F(DataAccess, ATurnIsWaitedForButOnceIfItNeverComes) {
         return fcntl(turns, F_OFD_SETLK, &range);
     };
     const auto timeToSet = [&] {
-        const int64_t before = milliseconds += 2;  // a look at the places counts for one
+        const int64_t before = milliseconds += 2;  // a look at the queue is valid for one
         EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0);
         return milliseconds - before;
     };
@@ -232,16 +212,28 @@ TEST_F(DataAccess, ATurnIsWaitedForButOnceIfItNeverComes) {
     close(turns);
 }
 
-// Another thread may get the same pthread_t.
+// The next one may get the same pthread_t.
 TEST_F(DataAccess, AThreadsTransactionEndsWithIt) {
     open();
-    std::thread([&] {
-        EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN TRANSACTION;"), 0);
-        EXPECT_EQ(DAL_setTypeString(db, &kItem, "lost", 0), 0);
-    }).join();
-    EXPECT_EQ(query(kFile, kFlatRows + "; BEGIN IMMEDIATE"), "");
-    std::thread([&] { EXPECT_EQ(DAL_setTypeString(db, &kItem, "kept", 0), 0); }).join();
-    EXPECT_EQ(query(kFile, kFlatRows), "k||kept");
+    for (int32_t round = 0; round < 100; ++round) {
+        std::thread waiting;
+        std::thread([&] {
+            EXPECT_EQ(DAL_ExecuteQuery(db, "BEGIN DEFERRED"), 0);
+            std::atomic<bool> started = false;
+            waiting = std::thread([&] {
+                started = true;
+                EXPECT_EQ(DAL_setTypeIntLimits(db, &kItem, round, 0, 0, 100), 0);
+            });
+            while (!started) {
+                std::this_thread::yield();
+            }
+            EXPECT_EQ(DAL_setProfiledTypeString(db, &kListItem, "v", 0, 0), 0);
+        }).join();
+        waiting.join();
+        std::thread([&] { EXPECT_EQ(DAL_deleteProfiledItem(db, &kListItem, 0), 0); }).join();
+        ASSERT_EQ(query(kFile, kFlatRows + "; SELECT * FROM tbl_home_screen_icons"),
+                  "k||" + std::to_string(round));
+    }
 }
 
 TEST_F(DataAccess, WithoutItsFilesNothingIsSet) {
@@ -255,11 +247,6 @@ TEST_F(DataAccess, WithoutItsFilesNothingIsSet) {
         EXPECT_EQ(DAL_setTypeString(db, &kItem, "v", 0), 0) << files;
         sqlite3_close(std::exchange(db, nullptr));
     }
-}
-
-TEST(TraceDebug, TheRecordIsItsUsersToChange) {
-    EXPECT_EQ(std::exchange(TDL_logger()->flags, 0), TDL_FLAG_DATABASE_MESSAGES);
-    EXPECT_EQ(TDL_logger()->flags, 0u);
 }
 
 }  // namespace

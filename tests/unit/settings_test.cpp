@@ -9,8 +9,8 @@
 #include "support/sandbox.h"
 #include "support/sqlite_query.h"
 
-// The logging libraries, played. A record is told by its first word, and none by 0.
-static std::array<TDL_LoggerRecord*, 2> loggers;  // what TDL_logger answers, in turns
+// The logging libraries, replaced. The first word of a record is its number; 0 is no record.
+static std::array<TDL_LoggerRecord*, 2> loggers;  // what TDL_logger returns, in turn
 static size_t asked = 0;
 static std::string printed;
 
@@ -52,7 +52,7 @@ TEST_F(Settings, AreClearedWithoutTheVolatileDatabase) {
 TEST_F(Settings, AnUnusableDatabaseIsReportedAndTriedAgain) {
     TDL_LoggerRecord silent{1, ~2u};
     TDL_LoggerRecord enabled{2, 2u};
-    // The loggers, and to which of them is printed.
+    // The loggers, and the number of the one that is printed to.
     const std::pair<decltype(loggers), std::string> loggings[] = {
         {{&enabled, nullptr}, "0"}, {{nullptr, &silent}, "1"}, {{&silent, &enabled}, ""}};
     const std::pair<std::string, std::string> cases[] = {

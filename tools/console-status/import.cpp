@@ -37,7 +37,7 @@ void addEntry(Stored& wanted, const Json& entry) {
     const bool hasValue = entry.contains("value");
     if (!entry.contains("name") || entry.size() != 1U + (hasNode ? 1 : 0) + (hasValue ? 1 : 0)) {
         throw UsageError("an entry has a name, a node if it is of a list, and a value, not " +
-                         quoted(entry.dump()));
+                         quoted(entry.dump().substr(0, 60)));
     }
     const std::string name = decodedText("name", entry["name"]);
     const Setting& setting = *find<Setting>(kSettings, name, "setting or list");

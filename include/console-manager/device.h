@@ -55,8 +55,8 @@ extern std::map<std::string, std::string> os_release;
  *
  * The result is never null; it is empty if the file or the key is missing. The library owns the
  * text. Once the file has been read, every call returns the same pointer, and the text stays valid
- * and unchanged until the library is unloaded or the process has run its exit handlers. The five
- * functions are thread-safe, but must not be called after that.
+ * and unchanged until the process has run the exit handlers that were registered after the library
+ * was loaded. The five functions are thread-safe, but must not be called after that.
  */
 
 /** @{ @name Release information */

@@ -38,7 +38,11 @@ template <typename Number, typename Result, typename... Port>
 std::string twoNumbers(Exact<Result(Port..., Number*, Number*)> ask, Port... port) {
     Number first = 7;
     Number second = 8;
-    callWithin<Result>(ask, port..., &first, &second);
+    if constexpr (std::is_void_v<Result>) {
+        callWithin<Result>(ask, port..., &first, &second);
+    } else {
+        EXPECT_EQ(callWithin<Result>(ask, port..., &first, &second), 0);
+    }
     return joined(first, second);
 }
 
@@ -231,7 +235,7 @@ std::vector<Subject> deviceSubjects() {
         // Counters that do not change give NaN, and a failed reading leaves the figures alone.
         {"usage", {"CML_getAllCPUUsage", "nan,nan,", {kNoMemory}, allUsage,
                    {{stat, "cpu 100 0 50 850\ncpu0 1 1 1 1\ncpu1 0 0 0 0\nintr 1\n", "nan,nan,"},
-                    {stat, "cpu 150 0 100 950 9\ncpu0 1 1 1 9\ncpu1 1 2 3 0 7\nctxt\n", "0.5,0,1,"},
+                    {stat, "cpu 130 20 100 950 9\ncpu0 1 1 1 9\ncpu1 1 2 3 0 7\nctxt", "0.5,0,1,"},
                     // One core fewer: the figures stay for one call.
                     {stat, "cpu 152 0 100 951\ncpu1 1 2 4 1\n", "0.5,0,1,"},
                     {stat, "\n cpu 152 0 100.5 952.5\nno cpu 5\ncpux 2 2 4 2\n", "0.25,0.5,"},
@@ -245,7 +249,7 @@ std::vector<Subject> deviceSubjects() {
                    {{stat, "cpu 2 1 1 4\ncpu0 0 0 0 0\n", "0.25"}}}},
         {"", {"CML_getUpTime", "12345.67", {"0", kNoMemory},
               [] { return joined(callWithin<long double>(CML_getUpTime)); },
-              {{uptime, "1.234.567 2", "1.234"}, {uptime, "1e3 2\n", "1000"}, {uptime, "", "0"}}}},
+              {{uptime, "1.234.567 2", "1.234"}, {uptime, "1e+3 2", "1000"}, {uptime, "", "0"}}}},
         {"", {"CML_restoreDisplayBrightness", "", {}, restore}},
         RETURNS(AllowDriverToAdjustBrightness, 1, "0"),
         RETURNS(DisplayInactivityTimeout, -2, "15"),

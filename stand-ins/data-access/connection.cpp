@@ -135,9 +135,9 @@ int32_t Connection::begin() {
     Turn turn(turns, moments.start());
     const int32_t result = attempt(moments, [&] {
         transactions.refusals.takeOfThisThread();
-        const int32_t begun = !watchThread() ? SQLITE_NOMEM
-                              : isMoved()    ? SQLITE_READONLY
-                                             : transactions.begin();
+        const int32_t begun = !watchThread()              ? SQLITE_NOMEM
+                              : mayWrite(moments.start()) ? transactions.begin()
+                                                          : SQLITE_READONLY;
         if (begun == SQLITE_OK) {
             transactions.own(std::move(turn));
         }
@@ -168,6 +168,14 @@ bool Connection::isMoved() const {
     int moved = 0;
     sqlite3_file_control(get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
     return moved != 0 || (journal != 0 && inodeOf(sqlite3_filename_wal(fileOf(get()))) != journal);
+}
+
+// A look at the files costs a tenth of a set in memory, and is valid for a millisecond.
+bool Connection::mayWrite(Clock::time_point now) {
+    if (now >= nextLook && !isMoved()) {
+        nextLook = now + std::chrono::milliseconds(1);
+    }
+    return now < nextLook;
 }
 
 // A second connection for one read, on which the index is no obstacle.

@@ -91,9 +91,11 @@ class Connection {
   private:
     static int waitForReaders(void* self, int tries);
     bool isMoved() const;
+    bool mayWrite(Clock::time_point now);
     Handle openReader() const;
 
     ino_t journal = 0;           // inode of the write-ahead journal, 0 without one
+    Clock::time_point nextLook;  // whether it is still there
     Clock::time_point deadline;  // of the operation that has the connection
 };
 
@@ -162,5 +164,5 @@ int32_t Connection::write(Work work) {
         }
     }
     const Turn turn(turns, moments.start());
-    return attempt(moments, [&] { return isMoved() ? SQLITE_READONLY : work(); });
+    return attempt(moments, [&] { return mayWrite(moments.start()) ? work() : SQLITE_READONLY; });
 }

@@ -11,22 +11,22 @@
 namespace {
 
 constexpr off_t kTurn = 0;
-constexpr off_t kNext = 1;
+constexpr off_t kLast = 15;
 
 // Some file systems have no locks.
 enum class Locked { kYes, kNotNow, kNever };
 
-struct flock placeOf(short type, off_t place) {
-    struct flock one {};
-    one.l_type = type;
-    one.l_whence = SEEK_SET;
-    one.l_start = place;
-    one.l_len = 1;
-    return one;
+struct flock placesFrom(off_t first, off_t count, short type) {
+    struct flock places {};
+    places.l_type = type;
+    places.l_whence = SEEK_SET;
+    places.l_start = first;
+    places.l_len = count;
+    return places;
 }
 
 Locked lock(int file, off_t place) {
-    const struct flock one = placeOf(F_WRLCK, place);
+    const struct flock one = placesFrom(place, 1, F_WRLCK);
     if (fcntl(file, F_SETLK, &one) == 0) {
         return Locked::kYes;
     }
@@ -34,15 +34,15 @@ Locked lock(int file, off_t place) {
 }
 
 void unlock(int file, off_t place) {
-    const struct flock one = placeOf(F_UNLCK, place);
+    const struct flock one = placesFrom(place, 1, F_UNLCK);
     fcntl(file, F_SETLK, &one);
 }
 
-// The other process that has the place, or kNobody. 0 and -1 stand for ones without a number here.
+// Another process that has one of the places, or kNobody. 0 and -1 are ones without a number here.
 constexpr pid_t kNobody = -2;
-pid_t holderOf(int file, off_t place) {
-    struct flock one = placeOf(F_WRLCK, place);
-    return fcntl(file, F_GETLK, &one) != 0 || one.l_type == F_UNLCK ? kNobody : one.l_pid;
+pid_t holderOf(int file, off_t first, off_t count) {
+    struct flock places = placesFrom(first, count, F_WRLCK);
+    return fcntl(file, F_GETLK, &places) != 0 || places.l_type == F_UNLCK ? kNobody : places.l_pid;
 }
 
 // Opens the file with the owner and the rights of the database, as SQLite does with its own files.
@@ -113,7 +113,7 @@ bool ProcessQueue::isAlone(Clock::time_point now) {
     if (now < nextLook) {
         return true;
     }
-    if (holderOf(file->get(), kNext) != kNobody) {
+    if (holderOf(file->get(), kTurn + 1, kLast) != kNobody) {
         return false;
     }
     nextLook = now + std::chrono::milliseconds(1);
@@ -123,15 +123,15 @@ bool ProcessQueue::isAlone(Clock::time_point now) {
 // Moves up from place to place. Nothing if this process has the turn then, otherwise who keeps it.
 std::optional<ProcessQueue::Holder> ProcessQueue::wait(Clock::time_point deadline) {
     std::optional<Holder> keeping;
-    for (const off_t place : {kNext, kTurn}) {
+    for (off_t place = kLast; place >= kTurn && !keeping; --place) {
         const Moments moments(deadline);
         while (!keeping && lock(file->get(), place) == Locked::kNotNow) {
             if (!moments.pass()) {
-                keeping = {place, holderOf(file->get(), place)};
+                keeping = {place, holderOf(file->get(), place, 1)};
             }
         }
+        unlock(file->get(), place + 1);
     }
-    unlock(file->get(), kNext);
     return keeping;
 }
 
@@ -144,7 +144,7 @@ void ProcessQueue::enter(Clock::time_point now, Clock::time_point deadline) {
     if (atOnce == Locked::kYes) {
         unlock(file->get(), kTurn);
     }
-    const pid_t holder = stopped ? holderOf(file->get(), stopped->place) : kNobody;
+    const pid_t holder = stopped ? holderOf(file->get(), stopped->place, 1) : kNobody;
     if (holder == kNobody || holder != stopped->process) {
         stopped = wait(deadline);
     }

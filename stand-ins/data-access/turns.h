@@ -80,11 +80,11 @@ class ThreadQueue {
     Waiter* first = nullptr;
 };
 
-// The turns of processes: two bytes of the file "DATABASE-turn", which stays empty. A process that
-// finds the lock of the turn taken waits for that of the place behind it, and there for the turn;
-// so the one that has just left can't overtake the one that waits. The locks are POSIX locks: a
-// child made by fork doesn't share them, and the kernel releases them when the process ends. One
-// thread at a time uses a queue.
+// The turns of processes: locks on the first bytes of the file "DATABASE-turn", which stays empty.
+// The lock of byte 0 is the turn, those of the others are places before it. A process that finds
+// the turn taken joins at the last place and moves up as places become free, so none is overtaken.
+// They are POSIX locks: a child made by fork doesn't share them, and the kernel releases them when
+// the process ends. One thread at a time uses a queue.
 class ProcessQueue {
   public:
     // For a database without a file the path is empty.

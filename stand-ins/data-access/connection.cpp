@@ -41,8 +41,9 @@ Connections& connections() {
 thread_local int32_t causeOfNone = SQLITE_CANTOPEN;
 
 int forget(unsigned /*event*/, void* /*context*/, void* handle, void* /*unused*/) {
-    const std::lock_guard guard(connections().mutex);
+    std::unique_lock guard(connections().mutex);
     const auto gone = connections().byHandle.extract(static_cast<sqlite3*>(handle));
+    guard.unlock();
     if (gone && gone.mapped()->failure != SQLITE_OK) {
         causeOfNone = gone.mapped()->failure;
     }
@@ -60,19 +61,10 @@ ino_t inodeOf(const char* path) {
     return *path != '\0' && stat(path, &file) == 0 ? file.st_ino : 0;
 }
 
-// Rolls back what the ending thread has left open.
-void endThread(void* /*key*/) {
+Connection* find(sqlite3* handle) {
     const std::lock_guard guard(connections().mutex);
-    for (auto& [handle, connection] : connections().byHandle) {
-        connection->giveUp();
-    }
-}
-
-// Has endThread called when the calling thread ends. False when memory has run out.
-bool watchThread() {
-    static pthread_key_t key;
-    static const bool isMade = pthread_key_create(&key, endThread) == 0;
-    return isMade && pthread_setspecific(key, &key) == 0;
+    const auto known = connections().byHandle.find(handle);
+    return known == connections().byHandle.end() ? nullptr : known->second.get();
 }
 
 // The SQL of a pattern for this list.
@@ -106,20 +98,24 @@ sqlite3_stmt* Session::statement(const char* pattern, std::string_view list) {
 }
 
 Connection* Connection::of(sqlite3* handle) try {
-    const std::lock_guard guard(connections().mutex);
-    auto& all = connections().byHandle;
-    const auto known = all.find(handle);
-    if (known != all.end()) {
-        return known->second.get();
+    if (Connection* const known = find(handle)) {
+        return known;
     }
-    Connection* const made =
-        all.emplace(handle, std::make_unique<Connection>(handle)).first->second.get();
+    // Not with the lock of all connections, which forget() takes within SQLite's own.
+    static std::mutex making;
+    const std::lock_guard oneAtATime(making);
+    if (Connection* const known = find(handle)) {
+        return known;
+    }
+    auto made = std::make_unique<Connection>(handle);
     guardIndex(handle, Index::kShared);
-    sqlite3_busy_handler(handle, waitForReaders, made);
+    sqlite3_busy_handler(handle, waitForReaders, made.get());
     // Called before SQLite looks for unfinished statements, with which it refuses to close.
     sqlite3_trace_v2(handle, SQLITE_TRACE_CLOSE, forget, nullptr);
-    return made;
+    const std::lock_guard guard(connections().mutex);
+    return connections().byHandle.emplace(handle, std::move(made)).first->second.get();
 } catch (const std::bad_alloc&) {
+    sqlite3_busy_handler(handle, nullptr, nullptr);
     return nullptr;
 }
 
@@ -129,6 +125,22 @@ int32_t Connection::takeCauseOfNone() {
 
 Connection::Connection(sqlite3* connection)
     : session(connection), turns(Turns::of(fileOf(connection))), transactions(connection) {}
+
+Connection::~Connection() {
+    if (threads) {
+        pthread_key_delete(*threads);
+    }
+}
+
+// Has giveUp called when the calling thread ends. False when there is no memory for it.
+bool Connection::watchThread() {
+    const auto end = [](void* self) { static_cast<Connection*>(self)->giveUp(); };
+    pthread_key_t key = 0;
+    if (!threads && pthread_key_create(&key, end) == 0) {
+        threads = key;
+    }
+    return threads && pthread_setspecific(*threads, this) == 0;
+}
 
 int32_t Connection::begin() {
     const Moments moments(kLongestWait);
@@ -201,9 +213,6 @@ void Connection::emptyJournal() {
 }
 
 void Connection::giveUp() {
-    if (!transactions.isMine() && transactions.refusals.areNone()) {
-        return;
-    }
     const std::lock_guard lock(mutex);
     transactions.refusals.takeOfThisThread();
     if (transactions.isMine()) {

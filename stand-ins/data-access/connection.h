@@ -1,12 +1,15 @@
 // What is kept for a connection from its first use until it closes, and how operations use it.
 #pragma once
 
+#include <pthread.h>
 #include <sqlite3.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -42,7 +45,7 @@ class Connection {
     static int32_t takeCauseOfNone();
 
     explicit Connection(sqlite3* connection);
-    ~Connection() = default;
+    ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
@@ -77,26 +80,27 @@ class Connection {
 
     // What can be done before the process ends, without a wait.
     void emptyJournal();
-    // The calling thread ends.
-    void giveUp();
 
     std::recursive_mutex mutex;
     Session session;
     std::shared_ptr<Turns> turns;
     Transactions transactions;
-    int32_t failure = SQLITE_OK;  // of the last call that sets up
+    std::atomic<int32_t> failure = SQLITE_OK;  // of the last call that sets up
     // Set while a full volume keeps the connection from being set up. Each operation tries again.
     int32_t (*setUp)(Connection& connection) = nullptr;
 
   private:
     static int waitForReaders(void* self, int tries);
+    bool watchThread();
+    void giveUp();  // what the calling thread has begun
     bool isMoved() const;
     bool mayWrite(Clock::time_point now);
     Handle openReader() const;
 
-    ino_t journal = 0;           // inode of the write-ahead journal, 0 without one
-    Clock::time_point nextLook;  // whether it is still there
-    Clock::time_point deadline;  // of the operation that has the connection
+    ino_t journal = 0;                     // inode of the write-ahead journal, 0 without one
+    Clock::time_point nextLook;            // whether it is still there
+    std::optional<pthread_key_t> threads;  // that have begun a transaction
+    Clock::time_point deadline;            // of the operation that has the connection
 };
 
 // Runs work on the connection of a handle, for a call from outside.

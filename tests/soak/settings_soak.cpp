@@ -326,10 +326,15 @@ void killInside() {
 }
 
 void besideStopped() {
-    inProcess(settings);
-    const pid_t process = start(changeForever);
+    const pid_t process = start([] {
+        shared.ready = deleteAll() == 0;
+        changeForever();
+    });
+    while (!shared.ready) {
+        std::this_thread::yield();
+    }
     for (int round = 0; round < sampleOr(1, 20); ++round) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50 + round));
+        std::this_thread::sleep_for(std::chrono::milliseconds(1 + round));
         kill(process, SIGSTOP);
         inProcess([=] {
             icon("n");

@@ -21,6 +21,9 @@ Connections& connections();
 // parent's. Nor in a signal handler that has interrupted a call.
 struct AtEnd {
     pid_t process = getpid();
+    AtEnd() = default;
+    AtEnd(const AtEnd&) = delete;
+    AtEnd& operator=(const AtEnd&) = delete;
     ~AtEnd() {
         if (getpid() == process && !NoCancellation::isOn()) {
             const std::lock_guard guard(connections().mutex);

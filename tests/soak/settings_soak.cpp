@@ -305,11 +305,11 @@ void changeForever() {
 void killInside() {
     Random random(1);
     for (int round = 0; round < sampleOr(20, 300); ++round) {
-        const pid_t process = start([] {
+        const pid_t process = start([=] {
             setTimeout(0);
             if (fork() == 0) {
-                while (!shared.over) {
-                    usleep(1000);
+                while (shared.writes == static_cast<size_t>(round)) {
+                    usleep(10'000);
                 }
                 _exit(0);
             }
@@ -321,8 +321,8 @@ void killInside() {
         inProcess([=] { EXPECT_EQ(setTimeout(round), 0); });
         EXPECT_EQ(stored().substr(0, stored().find('|')), std::to_string(round));
         EXPECT_EQ(integrity(), "ok");
+        ++shared.writes;
     }
-    shared.over = true;
 }
 
 void besideStopped() {
@@ -333,7 +333,7 @@ void besideStopped() {
     while (!shared.ready) {
         std::this_thread::yield();
     }
-    for (int round = 0; round < sampleOr(1, 20); ++round) {
+    for (int round = 0; round < sampleOr(1, 5); ++round) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1 + round));
         kill(process, SIGSTOP);
         inProcess([=] {

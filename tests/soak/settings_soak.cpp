@@ -328,7 +328,10 @@ void killInside() {
 void besideStopped() {
     const pid_t process = start([] {
         shared.ready = deleteAll() == 0;
-        changeForever();
+        // Not counted: its own call lasts for as long as it is stopped.
+        for (int i = 0;; ++i) {
+            DAL_CML_setDisplayOffTimeout(i);
+        }
     });
     while (!shared.ready) {
         std::this_thread::yield();

@@ -111,7 +111,7 @@ Connection* Connection::of(sqlite3* handle) try {
         return known;
     }
     auto made = std::make_unique<Connection>(handle);
-    guardIndex(handle, Index::kShared);
+    guardIndex(handle, Index::Shared);
     sqlite3_busy_handler(handle, waitForReaders, made.get());
     // Called before SQLite looks for unfinished statements, with which it refuses to close.
     sqlite3_trace_v2(handle, SQLITE_TRACE_CLOSE, forget, nullptr);
@@ -201,7 +201,7 @@ Handle Connection::openReader() const {
     if (result != SQLITE_OK) {
         return nullptr;
     }
-    guardIndex(opened, Index::kOwn);
+    guardIndex(opened, Index::Own);
     return reader;
 }
 

@@ -20,25 +20,25 @@ std::optional<Address> parse(const KeyPath* path) {
         return std::nullopt;
     }
     const KeyPathSlot* slot = path->slots;
-    Address address{Shape::kPlainItem, {}, nullptr, nullptr};
+    Address address{Shape::PlainItem, {}, nullptr, nullptr};
     if (slot->name != kKeyLevel) {
         if (!isListName(slot->name)) {
             return std::nullopt;
         }
         address.list = slot->name;
         address.node = slot->value;
-        address.shape = slot->value == nullptr ? Shape::kWholeList : Shape::kNode;
+        address.shape = slot->value == nullptr ? Shape::WholeList : Shape::Node;
         ++slot;
     }
     if (slot->name == nullptr) {
         return address;
     }
-    const bool itemOfWholeList = address.shape == Shape::kWholeList;
+    const bool itemOfWholeList = address.shape == Shape::WholeList;
     if (slot->name != kKeyLevel || slot->value == nullptr || slot[1].name != nullptr ||
         itemOfWholeList) {
         return std::nullopt;
     }
     address.key = slot->value;
-    address.shape = address.list.empty() ? Shape::kPlainItem : Shape::kListItem;
+    address.shape = address.list.empty() ? Shape::PlainItem : Shape::ListItem;
     return address;
 }

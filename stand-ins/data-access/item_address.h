@@ -19,26 +19,26 @@ class Profile {
         Profile profile;
         const auto end = std::to_chars(profile.digits.begin(), profile.digits.end(), number).ptr;
         profile.length = static_cast<size_t>(end - profile.digits.begin());
-        profile.state = number >= 0                  ? State::kOne
-                        : number == DAL_ALL_PROFILES ? State::kAll
-                                                     : State::kInvalid;
+        profile.state = number >= 0                  ? State::One
+                        : number == DAL_ALL_PROFILES ? State::All
+                                                     : State::Invalid;
         return profile;
     }
 
-    bool isOne() const { return state == State::kOne; }
-    bool isAll() const { return state == State::kAll; }
+    bool isOne() const { return state == State::One; }
+    bool isAll() const { return state == State::All; }
     // Never null and never NULL in SQL: NULLs are not equal to each other, and the tables' UNIQUE
     // constraints would let an unprofiled item have any number of rows.
     std::string_view text() const { return {digits.data(), length}; }
 
   private:
-    enum class State { kOne, kAll, kInvalid };
+    enum class State { One, All, Invalid };
     std::array<char, 12> digits{};
     size_t length = 0;
-    State state = State::kOne;
+    State state = State::One;
 };
 
-enum class Shape { kPlainItem, kListItem, kNode, kWholeList };
+enum class Shape { PlainItem, ListItem, Node, WholeList };
 
 // A key path in a form that has been checked.
 struct Address {

@@ -16,7 +16,7 @@
 namespace {
 
 using Shapes = std::initializer_list<Shape>;
-constexpr Shapes kItem = {Shape::kPlainItem, Shape::kListItem};
+constexpr Shapes kItem = {Shape::PlainItem, Shape::ListItem};
 
 // Runs work on the connection and on what the path addresses, if that has one of these shapes.
 template <typename Work>
@@ -68,7 +68,7 @@ int32_t writeItem(sqlite3* handle, const KeyPath* path, const Profile& profile,
             const int32_t result = Run(used.session, kAddNode, address, profile).finish();
             return result == SQLITE_OK ? set() : result;
         };
-        return address.shape == Shape::kPlainItem
+        return address.shape == Shape::PlainItem
                    ? used.write(set)
                    : used.write([&] { return used.transactions.asOne(setWithNode); });
     });
@@ -203,13 +203,13 @@ int32_t isItemPresent(sqlite3* handle, const KeyPath* path, const Profile& profi
 
 int32_t deleteNodes(sqlite3* handle, const KeyPath* path, const Profile& profile) {
     const auto remove = [&](Connection& used, const Address& nodes) {
-        if (nodes.shape == Shape::kNode) {
+        if (nodes.shape == Shape::Node) {
             const char* const pattern = profile.isAll() ? kDeleteNodeInAllProfiles : kDeleteNode;
             return deleteRows(used, pattern, nodes, profile);
         }
         return profile.isAll() ? deleteRows(used, kDeleteAllNodes, nodes, profile) : SQLITE_MISUSE;
     };
-    return use(handle, path, {Shape::kNode, Shape::kWholeList}, profile.isOne() || profile.isAll(),
+    return use(handle, path, {Shape::Node, Shape::WholeList}, profile.isOne() || profile.isAll(),
                remove);
 }
 
@@ -217,7 +217,7 @@ int32_t isNodePresent(sqlite3* handle, const KeyPath* path, const Profile& profi
     const auto find = [&](Connection& used, const Address& node) {
         return findRow(used, kFindNode, node, profile);
     };
-    return use(handle, path, {Shape::kNode}, profile.isOne(), find) == SQLITE_ROW;
+    return use(handle, path, {Shape::Node}, profile.isOne(), find) == SQLITE_ROW;
 }
 
 char** listNodes(sqlite3* handle, const KeyPath* path, const char* listName,
@@ -228,7 +228,7 @@ char** listNodes(sqlite3* handle, const KeyPath* path, const char* listName,
                    ? SQLITE_MISUSE
                    : used.read([&](Session& it) { return readNodes(it, list, profile, ids); });
     };
-    if (use(handle, path, {Shape::kWholeList}, profile.isOne(), read) != SQLITE_OK) {
+    if (use(handle, path, {Shape::WholeList}, profile.isOne(), read) != SQLITE_OK) {
         return nullptr;
     }
     auto** const array = static_cast<char**>(std::malloc((ids.size() + 1) * sizeof(char*)));

@@ -64,6 +64,6 @@ void guardIndex(sqlite3* connection, Index index) {
         return guarded;
     }();
     if (file->pMethods == sqlites) {
-        file->pMethods = &methods[index == Index::kShared ? 0 : 1];
+        file->pMethods = &methods[index == Index::Shared ? 0 : 1];
     }
 }

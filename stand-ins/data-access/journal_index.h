@@ -7,10 +7,10 @@
 
 enum class Index {
     // A part of the index that can't be allocated gives SQLITE_FULL instead.
-    kShared,
+    Shared,
     // The connection reads the journal without a shared index while that can't be allocated: SQLite
     // then makes one in memory. Such a connection can only read.
-    kOwn
+    Own
 };
 
 // For a connection that hasn't looked into its file yet.

@@ -20,19 +20,19 @@ constexpr int kPagesOfJournal = 100;
 // SQLite finds out too late: it changes the journal, and the first use of it fails. So the file of
 // the turns, in the same folder, is mapped. Where there is none nothing is known, and the journal
 // stays as it is.
-enum class SharedMemory { kWorks, kFails, kUnknown, kNotNow };
+enum class SharedMemory { Works, Fails, Unknown, NotNow };
 
 SharedMemory trySharedMemory(int file) {
     if (file < 0) {
-        return SharedMemory::kUnknown;
+        return SharedMemory::Unknown;
     }
     void* const mapped = mmap(nullptr, kPage, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     if (mapped != MAP_FAILED) {
         munmap(mapped, kPage);
-        return SharedMemory::kWorks;
+        return SharedMemory::Works;
     }
     const bool mayWorkLater = errno == ENOMEM || errno == EAGAIN || errno == ENFILE;
-    return mayWorkLater ? SharedMemory::kNotNow : SharedMemory::kFails;
+    return mayWorkLater ? SharedMemory::NotNow : SharedMemory::Fails;
 }
 
 int32_t useWriteAheadJournal(sqlite3* connection) {
@@ -68,13 +68,13 @@ int32_t leaveWriteAheadJournal(const char* database) {
 
 int32_t chooseJournal(Connection& connection) {
     const SharedMemory memory = trySharedMemory(connection.turns->processes.descriptor());
-    if (memory == SharedMemory::kNotNow) {
+    if (memory == SharedMemory::NotNow) {
         return SQLITE_NOMEM;
     }
-    if (memory == SharedMemory::kFails) {
+    if (memory == SharedMemory::Fails) {
         return leaveWriteAheadJournal(sqlite3_db_filename(connection.get(), "main"));
     }
-    return memory == SharedMemory::kWorks ? useWriteAheadJournal(connection.get()) : SQLITE_OK;
+    return memory == SharedMemory::Works ? useWriteAheadJournal(connection.get()) : SQLITE_OK;
 }
 
 int32_t setUp(Connection& connection) try {

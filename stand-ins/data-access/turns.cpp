@@ -14,7 +14,7 @@ constexpr off_t kTurn = 0;
 constexpr off_t kLast = 15;
 
 // Some file systems have no locks.
-enum class Locked { kYes, kNotNow, kNever };
+enum class Locked { Yes, NotNow, Never };
 
 struct flock placesFrom(off_t first, off_t count, short type) {
     struct flock places {};
@@ -28,9 +28,9 @@ struct flock placesFrom(off_t first, off_t count, short type) {
 Locked lock(int file, off_t place) {
     const struct flock one = placesFrom(place, 1, F_WRLCK);
     if (fcntl(file, F_SETLK, &one) == 0) {
-        return Locked::kYes;
+        return Locked::Yes;
     }
-    return errno == EAGAIN || errno == EACCES ? Locked::kNotNow : Locked::kNever;
+    return errno == EAGAIN || errno == EACCES ? Locked::NotNow : Locked::Never;
 }
 
 void unlock(int file, off_t place) {
@@ -125,7 +125,7 @@ std::optional<ProcessQueue::Holder> ProcessQueue::wait(Clock::time_point deadlin
     std::optional<Holder> keeping;
     for (off_t place = kLast; place >= kTurn && !keeping; --place) {
         const Moments moments(deadline);
-        while (!keeping && lock(file->get(), place) == Locked::kNotNow) {
+        while (!keeping && lock(file->get(), place) == Locked::NotNow) {
             if (!moments.pass()) {
                 keeping = {place, holderOf(file->get(), place, 1)};
             }
@@ -137,11 +137,11 @@ std::optional<ProcessQueue::Holder> ProcessQueue::wait(Clock::time_point deadlin
 
 void ProcessQueue::enter(Clock::time_point now, Clock::time_point deadline) {
     const Locked atOnce = lock(descriptor(), kTurn);
-    if (atOnce == Locked::kNever || (atOnce == Locked::kYes && isAlone(now))) {
+    if (atOnce == Locked::Never || (atOnce == Locked::Yes && isAlone(now))) {
         stopped.reset();
         return;
     }
-    if (atOnce == Locked::kYes) {
+    if (atOnce == Locked::Yes) {
         unlock(file->get(), kTurn);
     }
     const pid_t holder = stopped ? holderOf(file->get(), stopped->place, 1) : kNobody;

@@ -196,8 +196,15 @@ int32_t undoAndChange() {
     return DAL_deleteProfiledItem(own, &kTimeout, 0);
 }
 
-// A change of the settings, and what is stored after it: the time-out, an icon, the number of
-// nodes.
+// What is stored of the settings that tests change: the time-out, an icon, the number of nodes.
+std::string stored() {
+    const std::string value = "(SELECT coalesce(max(c_dal_value), '') FROM tbl_";
+    return query(kFile, "SELECT " + value + "dal_key_dal_value), " + value +
+                            "home_screen_icons_dal_key_dal_value), (SELECT count(*) FROM "
+                            "tbl_home_screen_icons)");
+}
+
+// A change of the settings, and what is stored after it.
 struct Change {
     const char* name;
     int32_t (*make)();

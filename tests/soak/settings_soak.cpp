@@ -4,126 +4,15 @@
 //     settings_soak FOLDER [MILLISECONDS]
 // each runs until its bounds mean something, on the file system of FOLDER (not in /mnt or /tmp/m7),
 // and every sync takes so many milliseconds longer.
-#include <sys/wait.h>
-
-#include <atomic>
-#include <chrono>
 #include <cmath>
 #include <csignal>
 #include <filesystem>
-#include <ranges>
-#include <thread>
 
 #include "console-manager/settings.h"
 #include "soak/played_disk.h"
-#include "support/sandbox.h"
-#include "support/sqlite_query.h"
-
-using namespace std::chrono_literals;
-
-static std::string scratch;  // FOLDER
+#include "soak/processes.h"
 
 namespace {
-
-template <typename T>
-T sampleOr(T sample, T whole) {
-    return scratch.empty() ? sample : whole;
-}
-
-// The results and times of the calls of one kind, in all processes.
-struct Tally {
-    std::atomic<size_t> count, failed, refused;  // refused: failed without a wait
-    float milliseconds[1 << 20];
-
-    int32_t operator()(auto call, auto... arguments) {
-        const auto begin = std::chrono::steady_clock::now();
-        const int32_t result = call(arguments...);
-        const auto end = std::chrono::steady_clock::now();
-        const std::chrono::duration<float, std::milli> taken = end - begin;
-        failed += result != 0;
-        refused += result != 0 && taken < 9s;
-        milliseconds[count++ % std::size(milliseconds)] = taken.count();
-        return result;
-    }
-
-    void judge(const char* calls, float bound, bool mayFail) {
-        const std::span all(milliseconds, std::min(count.load(), std::size(milliseconds)));
-        if (!all.empty()) {
-            std::ranges::sort(all);
-            std::printf("    %s: %zu, %zu failed, median %.3f ms, longest %.3f ms\n", calls,
-                        count.load(), failed.load(), all[all.size() / 2], all.back());
-            EXPECT_EQ(mayFail ? refused : failed, 0u) << calls;
-            EXPECT_LE(sampleOr(0.0f, all.back()), bound) << calls;
-        }
-    }
-};
-
-struct Shared {
-    Tally sets, gets, clears;
-    std::atomic<size_t> writes, overtaken, lost;
-    std::atomic<bool> ready, clearing, over;
-};
-Shared& shared = *static_cast<Shared*>(
-    mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
-
-pid_t start(auto work) {
-    std::fflush(stdout);
-    const pid_t process = fork();
-    if (process == 0) {
-        alarm(sampleOr(100u, 600u));  // ends a process that hangs, which fails then
-        work();
-        std::fflush(stdout);
-        _exit(testing::Test::HasFailure() ? 1 : 0);
-    }
-    return process;
-}
-
-void waitForAll() {
-    for (int status = 0; wait(&status) > 0;) {
-        EXPECT_EQ(status, 0) << "of a process";
-    }
-}
-
-void inProcess(auto work) {
-    int status = 0;
-    waitpid(start(work), &status, 0);
-    EXPECT_EQ(status, 0) << "of a process";
-}
-
-// Starts processes whose threads run work(process, thread, round) until it is over, and once more.
-void many(int processes, int threads, auto work) {
-    for (int process = 0; process < processes; ++process) {
-        start([=] {
-            std::vector<std::jthread> all;
-            for (int thread = 0; thread < threads; ++thread) {
-                all.emplace_back([=] {
-                    bool last = false;
-                    for (int round = 0; !last; ++round) {
-                        last = shared.over;
-                        work(process, thread, round);
-                    }
-                });
-            }
-        });
-    }
-}
-
-// Starts another program that opens both files, executes sql and keeps its locks until it is over.
-void hold(const char* sql, std::chrono::seconds sample, std::chrono::seconds whole) {
-    start([&] {
-        for (const std::string& path : {kFile, kVolatileFile}) {
-            sqlite3* db = nullptr;
-            sqlite3_open(path.c_str(), &db);
-            EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, nullptr), SQLITE_OK);
-        }
-        shared.ready = true;
-        std::this_thread::sleep_for(sampleOr(sample, whole));
-        shared.over = true;
-    });
-    while (!shared.ready) {
-        std::this_thread::yield();
-    }
-}
 
 template <int processes, int threads, auto work>
 void forTenSeconds() {
@@ -216,27 +105,12 @@ void besideExclusiveHolder() {
     many(1, 3, [](int, int, int round) { setTimeout(round); });
 }
 
-void besideReader() {
-    inProcess(deleteAll);
-    hold("BEGIN; SELECT * FROM sqlite_master", 1s, 24s);
-    many(1, 1, [](int, int, int round) {
-        EXPECT_TRUE(setIcon("n", round) != 0 || stored() == "|" + std::to_string(round) + "|1");
-    });
-}
-
-void useAll(int process, int, int round) {
-    const std::string node = std::to_string(process);
-    int32_t theme = -9;
-    EXPECT_EQ(setIcon(node, round) + DAL_CML_setAutoTheme(2) + DAL_CML_getAutoTheme(&theme), 0);
-    EXPECT_EQ(icon(node) + ' ' + std::to_string(theme), std::to_string(round) + " 2");
-}
-
 void onWriteAheadFile() {
     noSharedMappings = false;
     inProcess([] { EXPECT_EQ(setTimeout(7), 0); });
     noSharedMappings = true;
     inProcess([] { EXPECT_EQ(settings(), "7"); });
-    forTenSeconds<4, 1, useAll>();
+    forTenSeconds<4, 1, useNode>();
 }
 
 // Runs work in such a folder and returns what it does there.
@@ -279,15 +153,13 @@ void losePower() {
         record.count = steps.size();
         record.used = used;
         const Steps done = steps.first(random() % (steps.size() + 1));
-        const auto isNote = [](const Step& step) { return step.kind == '!'; };
         // As the last finished call has left them, or as the interrupted one would.
         Texts allowed = {"30"};
-        for (const Step& step : done | std::views::filter(isNote)) {
-            allowed = {std::string(step.data)};
-        }
-        for (const Step& step :
-             steps.subspan(done.size()) | std::views::filter(isNote) | std::views::take(1)) {
-            allowed.emplace_back(step.data);
+        for (size_t i = 0; i < steps.size() && allowed.size() < 2; ++i) {
+            if (steps[i].kind == '!') {
+                allowed.resize(i < done.size() ? 0 : 1);
+                allowed.emplace_back(steps[i].data);
+            }
         }
         const Folder found = afterPowerLoss({}, done, random);
         const Steps again = recover(found, allowed);
@@ -295,33 +167,28 @@ void losePower() {
     }
 }
 
-void changeForever() {
-    for (int i = 0;; ++i) {
-        change(i);
-    }
-}
-
 // Each killed process has a child that lives longer, with copies of its descriptors.
 void killInside() {
     Random random(1);
     for (int round = 0; round < sampleOr(20, 300); ++round) {
-        const pid_t process = start([=] {
+        const pid_t process = start([] {
+            setpgid(0, 0);
             setTimeout(0);
             if (fork() == 0) {
-                while (shared.writes == static_cast<size_t>(round)) {
-                    usleep(10'000);
-                }
-                _exit(0);
+                pause();
             }
-            changeForever();
+            for (int i = 0;; ++i) {
+                change(i);
+            }
         });
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 30'000));
         kill(process, SIGKILL);
         waitpid(process, nullptr, 0);
         inProcess([=] { EXPECT_EQ(setTimeout(round), 0); });
-        EXPECT_EQ(stored().substr(0, stored().find('|')), std::to_string(round));
+        EXPECT_EQ(query(kFile, "SELECT c_dal_value FROM tbl_dal_key_dal_value"),
+                  std::to_string(round));
         EXPECT_EQ(integrity(), "ok");
-        ++shared.writes;
+        kill(-process, SIGKILL);
     }
 }
 
@@ -333,9 +200,7 @@ void besideStopped() {
             DAL_CML_setDisplayOffTimeout(i);
         }
     });
-    while (!shared.ready) {
-        std::this_thread::yield();
-    }
+    waitUntilReady();
     for (int round = 0; round < sampleOr(1, 5); ++round) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1 + round));
         kill(process, SIGSTOP);
@@ -369,8 +234,7 @@ void onFullVolume() {
         EXPECT_EQ(ftruncate(file, 0), 0);
         shared.over = true;
     });
-    while (!shared.ready) {
-    }
+    waitUntilReady();
     many(1, 1, [](int, int, int) {
         const bool isOver = shared.over;
         const int32_t result = DAL_CML_setDisplayOffTimeout(7);
@@ -433,8 +297,6 @@ const Situation kSituations[] = {
     {"CrowdWhileAllIsDeleted", forTenSeconds<9, 8, useNode>, true, 500, 250, 500},
     {"BesideLockHolder", besideLockHolder, true, 11'000, 250, 22'000, true},
     {"FirstUseBesideExclusiveHolder", besideExclusiveHolder, true, 12'000, 0, 0, true},
-    {"BesideReaderOfRollbackFile", besideReader, false, 11'000, 250, 22'000, true},
-    {"NoSharedMappings", forTenSeconds<4, 1, useAll>, false},
     {"NoSharedMappingsOfWriteAheadFile", onWriteAheadFile, false},
     {"PowerLossWithWriteAheadLog", losePower},
     {"PowerLossWithRollbackJournal", losePower, false},

@@ -26,11 +26,3 @@ inline std::string query(const std::string& path, const std::string& sql) {
     sqlite3_close(db);
     return status == SQLITE_OK ? result : sqlite3_errstr(status);
 }
-
-// What is stored of the settings that tests change: the time-out, an icon, the number of nodes.
-inline std::string stored() {
-    const std::string value = "(SELECT coalesce(max(c_dal_value), '') FROM tbl_";
-    return query(kFile, "SELECT " + value + "dal_key_dal_value), " + value +
-                            "home_screen_icons_dal_key_dal_value), (SELECT count(*) FROM "
-                            "tbl_home_screen_icons)");
-}

@@ -274,6 +274,15 @@ TEST_F(Faults, AChangeIsMadeAsAWholeOrNotAtAllInTheFirstUseToo) {
     }
 }
 
+TEST_F(Faults, TheJournalIsChosenAgainWhenThereIsMemory) {
+    run("mkdir -p /mnt/vex-data/m7");
+    fault = {"mmap64", 1};
+    EXPECT_EQ(within(DAL_CML_setTheme, 1), SQLITE_NOMEM);
+    fault = {};
+    EXPECT_EQ(DAL_CML_setTheme(1), 0);
+    EXPECT_EQ(query(kFile, "PRAGMA journal_mode"), "wal");
+}
+
 // A replacement that the library doesn't call would make nothing fail.
 TEST_F(Faults, TheLibraryCallsTheReplacementsAndAScanAllocatesNothing) {
     const std::vector<Subject> subjects = functionSubjects();

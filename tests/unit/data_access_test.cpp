@@ -149,6 +149,7 @@ TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {
     open();
     const std::string file = "/mnt/vex-data/m7/other.db";
     query(file, "CREATE TABLE t (a)");
+    const int descriptors = openDescriptors();
     sqlite3 *reader = nullptr, *own = nullptr;
     sqlite3_open(file.c_str(), &reader);
     sqlite3_open(file.c_str(), &own);
@@ -165,6 +166,7 @@ TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {
     EXPECT_EQ(DAL_SetDBConfiguration(own), 0);
     EXPECT_EQ(query(file, "PRAGMA journal_mode"), "wal");
     sqlite3_close(own);
+    EXPECT_EQ(openDescriptors(), descriptors - 1) << "the standard input is closed";
 }
 
 // A descriptor of the test has the locks that other processes would have.

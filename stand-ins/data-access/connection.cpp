@@ -17,8 +17,8 @@ struct Connections {
 
 Connections& connections();
 
-// At the normal end of the process. Not in a child that fork has made: the connections are its
-// parent's. Nor in a signal handler that has interrupted a call.
+// Runs at the normal end of the process. Not in a child made by fork, because the connections are
+// its parent's, nor if exit is called by a signal handler that has interrupted a call.
 struct AtEnd {
     pid_t process = getpid();
     AtEnd() = default;
@@ -53,7 +53,7 @@ int forget(unsigned /*event*/, void* /*context*/, void* handle, void* /*unused*/
     return 0;
 }
 
-// The path, or an empty text for a database that has no file.
+// Returns the path, or an empty text for a database without a file.
 const char* fileOf(sqlite3* handle) {
     const char* const name = sqlite3_db_filename(handle, "main");
     return name == nullptr ? "" : name;
@@ -70,7 +70,7 @@ Connection* find(sqlite3* handle) {
     return known == connections().byHandle.end() ? nullptr : known->second.get();
 }
 
-// The SQL of a pattern for this list.
+// Returns the SQL of a pattern for this list.
 std::string expanded(std::string_view pattern, std::string_view list) {
     constexpr std::string_view kPlaceholder = "LIST";
     std::string sql;
@@ -104,7 +104,8 @@ Connection* Connection::of(sqlite3* handle) try {
     if (Connection* const known = find(handle)) {
         return known;
     }
-    // Not with the lock of all connections, which forget() takes within SQLite's own.
+    // A mutex of its own: SQLite calls forget(), which locks connections().mutex, with a mutex held
+    // that the calls below lock, too.
     static std::mutex making;
     const std::lock_guard oneAtATime(making);
     if (Connection* const known = find(handle)) {
@@ -113,7 +114,8 @@ Connection* Connection::of(sqlite3* handle) try {
     auto made = std::make_unique<Connection>(handle);
     guardIndex(handle, Index::Shared);
     sqlite3_busy_handler(handle, waitForReaders, made.get());
-    // Called before SQLite looks for unfinished statements, with which it refuses to close.
+    // forget() finalizes the statements. SQLite calls it before it looks for statements, with
+    // which it would refuse to close.
     sqlite3_trace_v2(handle, SQLITE_TRACE_CLOSE, forget, nullptr);
     const std::lock_guard guard(connections().mutex);
     return connections().byHandle.emplace(handle, std::move(made)).first->second.get();
@@ -135,7 +137,7 @@ Connection::~Connection() {
     }
 }
 
-// Has giveUp called when the calling thread ends. False when there is no memory for it.
+// Makes giveUp run when the calling thread ends. False if there is no memory for that.
 bool Connection::watchThread() {
     const auto end = [](void* self) { static_cast<Connection*>(self)->giveUp(); };
     pthread_key_t key = 0;
@@ -177,7 +179,7 @@ void Connection::noteJournal() {
     journal = *file == '\0' ? 0 : inodeOf(sqlite3_filename_wal(file));
 }
 
-// Whether the database or its write-ahead journal has been removed or replaced: what is written
+// Whether the database or its write-ahead journal has been removed or replaced. What is written
 // then is lost.
 bool Connection::isMoved() const {
     int moved = 0;
@@ -185,7 +187,7 @@ bool Connection::isMoved() const {
     return moved != 0 || (journal != 0 && inodeOf(sqlite3_filename_wal(fileOf(get()))) != journal);
 }
 
-// A look at the files costs a tenth of a set in memory, and is valid for a millisecond.
+// Checking the files takes a tenth of the time of a set in memory, so a check is valid for 1 ms.
 bool Connection::mayWrite(Clock::time_point now) {
     if (now >= nextLook && !isMoved()) {
         nextLook = now + std::chrono::milliseconds(1);
@@ -193,7 +195,7 @@ bool Connection::mayWrite(Clock::time_point now) {
     return now < nextLook;
 }
 
-// A second connection for one read, on which the index is no obstacle.
+// Opens a second connection for one read, which needs no shared index.
 Handle Connection::openReader() const {
     sqlite3* opened = nullptr;
     const int result = sqlite3_open_v2(fileOf(get()), &opened, SQLITE_OPEN_READONLY, nullptr);
@@ -205,8 +207,6 @@ Handle Connection::openReader() const {
     return reader;
 }
 
-// Copies the write-ahead journal into the database and truncates it, so that the database is whole
-// without it. Not while somebody else uses either; and the last to end has them alone.
 void Connection::emptyJournal() {
     const std::unique_lock lock(mutex, std::try_to_lock);
     if (lock && !isMoved()) {
@@ -224,8 +224,9 @@ void Connection::giveUp() {
     }
 }
 
-// SQLite asks whether to try again. An operation that has the write lock and waits for readers, in
-// rollback mode, keeps the lock: no new ones come. All others wait without the connection.
+// SQLite's busy handler: returns whether to try again. An operation that has the write lock and
+// waits for readers (rollback journal) tries again with the lock held, so no new readers start. All
+// others return SQLITE_BUSY and wait with the connection unlocked.
 int Connection::waitForReaders(void* self, int /*tries*/) {
     const auto& connection = *static_cast<const Connection*>(self);
     return sqlite3_txn_state(connection.get(), "main") == SQLITE_TXN_WRITE &&

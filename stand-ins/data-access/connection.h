@@ -18,16 +18,15 @@
 #include "stand-ins/data-access/turns.h"
 #include "system/no_cancellation.h"
 
-// A handle of SQLite's with the statements that have been prepared on it.
+// A SQLite handle and the statements prepared on it.
 class Session {
   public:
     explicit Session(sqlite3* on) : handle(on) {}
 
     sqlite3* get() const { return handle; }
 
-    // The statement of a pattern, in which LIST stands for the name of a list; what is in braces is
-    // left out if that is empty. Prepared on first use. Null if SQLite refuses it. Throws
-    // std::bad_alloc.
+    // Returns the statement of a pattern (statements.h) for a list, or for plain items if list is
+    // empty. It is prepared on first use; null if SQLite refuses it. Throws std::bad_alloc.
     sqlite3_stmt* statement(const char* pattern, std::string_view list);
 
   private:
@@ -37,11 +36,11 @@ class Session {
 
 class Connection {
   public:
-    // That of a handle, made on first use. Null when memory has run out.
+    // Returns the connection of a handle, made on first use; null if there is no memory for it.
     static Connection* of(sqlite3* handle);
 
-    // The result of a call without a connection: why the calling thread has just closed one, if it
-    // has; otherwise SQLITE_CANTOPEN.
+    // Returns the result of a call with a null handle: if the calling thread has just closed a
+    // connection that could not be set up, the cause of that; otherwise SQLITE_CANTOPEN.
     static int32_t takeCauseOfNone();
 
     explicit Connection(sqlite3* connection);
@@ -51,17 +50,18 @@ class Connection {
 
     sqlite3* get() const { return session.get(); }
 
-    // Each runs work, which returns a result, with the connection locked, and again while that is
-    // SQLITE_BUSY, until the call has waited for as long as it may. Between the tries other threads
-    // have the connection: getters proceed while a setter waits. A write waits for its turn first,
-    // and is part of the transaction that the calling thread has open. A read is given the session
-    // that it is to use: on a full volume that isn't the connection's.
+    // Both run work with the connection locked, and repeat it while it returns SQLITE_BUSY, for
+    // kLongestWait at most. Between two attempts other threads can use the connection, so getters
+    // proceed while a setter waits. A write waits for its turn first, and is part of a transaction
+    // that the calling thread has open. A read is passed the session that it must use: on a full
+    // volume that is not the connection's own.
     template <typename Work>
     int32_t read(Work work);
     template <typename Work>
     int32_t write(Work work);
 
-    // As a read does, on the connection itself and with what is left of a wait; and once only.
+    // The steps of both: attempt repeats work until the deadline of moments, the others run it
+    // once.
     template <typename Work>
     int32_t attempt(const Moments& moments, Work work);
     template <typename Work>
@@ -69,41 +69,42 @@ class Connection {
     template <typename Work>
     int32_t readOnce(Clock::time_point end, Work work);
 
-    // Begins a transaction that is the calling thread's until it ends it, or ends itself.
+    // Begins a transaction of the calling thread. It is rolled back if the thread ends first.
     int32_t begin();
 
-    // Whether a table is there, as far as that can be found out without a wait.
+    // Whether a table exists. False, too, if a lock keeps SQLite from looking.
     bool hasTable(const char* name);
 
     // Remembers which file is the write-ahead journal.
     void noteJournal();
 
-    // What can be done before the process ends, without a wait.
+    // For the end of the process: copies the write-ahead journal into the database and truncates
+    // it, so that the database is complete without it. Skipped while another process uses them.
     void emptyJournal();
 
     std::recursive_mutex mutex;
     Session session;
     std::shared_ptr<Turns> turns;
     Transactions transactions;
-    std::atomic<int32_t> failure = SQLITE_OK;  // of the last call that sets up
+    std::atomic<int32_t> failure = SQLITE_OK;  // of the last step of the set-up
     // Set while a full volume keeps the connection from being set up. Each operation tries again.
     int32_t (*setUp)(Connection& connection) = nullptr;
 
   private:
     static int waitForReaders(void* self, int tries);
     bool watchThread();
-    void giveUp();  // what the calling thread has begun
+    void giveUp();  // rolls back the calling thread's transaction
     bool isMoved() const;
     bool mayWrite(Clock::time_point now);
     Handle openReader() const;
 
     ino_t journal = 0;                     // inode of the write-ahead journal, 0 without one
-    Clock::time_point nextLook;            // whether it is still there
-    std::optional<pthread_key_t> threads;  // that have begun a transaction
+    Clock::time_point nextLook;            // when to check the files again
+    std::optional<pthread_key_t> threads;  // calls giveUp when one of them ends
     Clock::time_point deadline;            // of the operation that has the connection
 };
 
-// Runs work on the connection of a handle, for a call from outside.
+// Runs work on the connection of a handle. Every exported function does.
 template <typename Work>
 int32_t useConnection(sqlite3* handle, Work work) {
     const NoCancellation whole;
@@ -139,11 +140,11 @@ int32_t Connection::readOnce(Clock::time_point end, Work work) {
     const auto opened = openReader();
     Session reader(opened.get());
     const int32_t withoutIndex = opened == nullptr ? result : work(reader);
-    // There was room again in the middle of it.
+    // The reader found room for the index after all: so does the next attempt.
     return withoutIndex == SQLITE_READONLY ? SQLITE_BUSY : withoutIndex;
 }
 
-// The clock, too, is asked by those alone that have to wait.
+// The clock is read only if there is a wait.
 template <typename Work>
 int32_t Connection::read(Work work) {
     const int32_t result = readOnce(Clock::time_point(), work);

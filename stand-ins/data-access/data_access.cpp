@@ -6,7 +6,7 @@
 
 namespace {
 
-// If the caller then closes the connection, this result is that of its next call without one.
+// Keeps the result for takeCauseOfNone(), in case the caller closes the connection because of it.
 template <typename Work>
 int32_t settingUp(sqlite3* handle, Work work) {
     return useConnection(

@@ -1,4 +1,4 @@
-// Which rows an item function means: its key path and profile number, checked.
+// The rows that an item function addresses: its key path and profile number, checked.
 #pragma once
 
 #include <array>
@@ -40,7 +40,7 @@ class Profile {
 
 enum class Shape { PlainItem, ListItem, Node, WholeList };
 
-// A key path in a form that has been checked.
+// A checked key path.
 struct Address {
     Shape shape;
     std::string_view list;  // empty for a plain item
@@ -48,5 +48,5 @@ struct Address {
     const char* key = nullptr;
 };
 
-// Nothing for a path of no known shape. The address points into the path's strings.
+// Returns nothing for a path of no known shape. The address points into the path's strings.
 std::optional<Address> parse(const KeyPath* path);

@@ -18,7 +18,7 @@ namespace {
 using Shapes = std::initializer_list<Shape>;
 constexpr Shapes kItem = {Shape::PlainItem, Shape::ListItem};
 
-// Runs work on the connection and on what the path addresses, if that has one of these shapes.
+// Runs work on the connection and the address of a path that has one of these shapes.
 template <typename Work>
 int32_t use(sqlite3* handle, const KeyPath* path, Shapes shapes, bool isProfileValid, Work work) {
     return useConnection(handle, [&](Connection& connection) {
@@ -29,10 +29,10 @@ int32_t use(sqlite3* handle, const KeyPath* path, Shapes shapes, bool isProfileV
     });
 }
 
-// The text of an item that was looked up; nothing where there is none, or the look-up failed.
+// The text of an item; nothing if there is no such item or it can't be read.
 using StoredText = std::optional<std::string_view>;
 
-// Looks an item up and hands its text to deliver, which is called exactly once, whatever fails.
+// Reads an item and passes its text to deliver, which is called exactly once, also on failure.
 template <typename Deliver>
 int32_t readItem(sqlite3* handle, const KeyPath* path, const Profile& profile, Deliver deliver) {
     bool delivered = false;
@@ -80,14 +80,14 @@ int32_t deleteRows(Connection& connection, const char* pattern, const Address& a
         [&] { return Run(connection.session, pattern, address, profile).finish(); });
 }
 
-// SQLITE_ROW if there is a row.
+// Returns SQLITE_ROW if there is a row.
 int32_t findRow(Connection& connection, const char* pattern, const Address& address,
                 const Profile& profile) {
     return connection.read(
         [&](Session& session) { return Run(session, pattern, address, profile).step(); });
 }
 
-// In a block from malloc; null when memory has run out.
+// Returns a copy in a block from malloc, or null if there is no memory.
 char* copyOf(std::string_view text) {
     auto* const copy = static_cast<char*>(std::malloc(text.size() + 1));
     if (copy != nullptr) {
@@ -115,7 +115,7 @@ int32_t readNodes(Session& session, const Address& list, const Profile& profile,
     return result == SQLITE_DONE ? SQLITE_OK : result;
 }
 
-// A 32-bit integer in decimal; nothing for any other text.
+// Returns a 32-bit integer in decimal, nothing for any other text.
 std::optional<int32_t> numberIn(std::string_view text) {
     int32_t number = 0;
     const char* const end = text.data() + text.size();

@@ -1,5 +1,5 @@
-// Items and nodes: found by key path and profile number, read, written, deleted and listed. Results
-// are SQLite's primary codes; arguments that mean nothing give SQLITE_MISUSE.
+// Reads, writes, deletes and lists items and nodes. Results are SQLite's primary codes; invalid
+// arguments give SQLITE_MISUSE.
 #pragma once
 
 #include <sqlite3.h>

@@ -11,8 +11,9 @@ namespace {
 
 const sqlite3_io_methods* sqlites = nullptr;  // the same for all its files
 
-// Has the kernel write each page without a change, by an atomic OR with 0. What would be SIGBUS for
-// a store of the process's own is EFAULT then, and what has been written once stays allocated.
+// Makes the kernel store into each page, without a change, by a futex operation (an atomic OR with
+// 0). If the volume is full, that fails with EFAULT where a store by the process would end it by
+// SIGBUS. A page that has been stored into stays allocated.
 bool allocate(volatile void* memory, int size) {
     constexpr int kOrZero = FUTEX_OP(FUTEX_OP_OR, 0, FUTEX_OP_CMP_EQ, 0);
     const long page = sysconf(_SC_PAGESIZE);
@@ -38,8 +39,8 @@ int mapShared(sqlite3_file* file, int region, int size, int extend, volatile voi
     return result;
 }
 
-// Answers as SQLite does for an index that may only be read. Where it can't be allocated nobody
-// writes, and its content doesn't count: that is what SQLITE_READONLY_CANTINIT means.
+// Returns what SQLite returns for an index that may only be read. SQLITE_READONLY_CANTINIT means
+// that nobody maintains the index: nobody can write while it can't be allocated.
 int mapOwn(sqlite3_file* file, int region, int size, int extend, volatile void** memory) {
     const int result = mapShared(file, region, size, extend, memory);
     if (result == SQLITE_FULL || (result == SQLITE_OK && *memory == nullptr)) {

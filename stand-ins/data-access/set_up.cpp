@@ -7,19 +7,19 @@
 
 namespace {
 
-// The change of the journal needs the file to itself, and isn't worth more: a program that reads
-// for longer leaves the journal as it is.
+// The journal can only be changed while nobody else uses the file. It isn't worth a longer wait:
+// the database also works with the journal that it has.
 constexpr Clock::duration kLongestWaitForChange = std::chrono::seconds(1);
 
 constexpr size_t kPage = 4096;
 
-// The journal goes into the database after few pages, so that it stays short: each process that
-// opens the database reads it.
+// The journal is copied into the database after so many pages. It stays short because each process
+// that opens the database reads it.
 constexpr int kPagesOfJournal = 100;
 
-// SQLite finds out too late: it changes the journal, and the first use of it fails. So the file of
-// the turns, in the same folder, is mapped. Where there is none nothing is known, and the journal
-// stays as it is.
+// Whether files of this file system can be mapped shared, tried with the file of the turns. SQLite
+// itself only finds out after it has changed the journal. Without a file of the turns the answer is
+// unknown, and the journal stays as it is.
 enum class SharedMemory { Works, Fails, Unknown, NotNow };
 
 SharedMemory trySharedMemory(int file) {
@@ -36,16 +36,16 @@ SharedMemory trySharedMemory(int file) {
 }
 
 int32_t useWriteAheadJournal(sqlite3* connection) {
-    // SQLite's busy handler isn't called for it.
+    // SQLite doesn't call the busy handler for this.
     const int32_t result = Moments(kLongestWaitForChange).whileIs(SQLITE_BUSY, [&] {
         return execute(connection, "PRAGMA journal_mode = WAL");
     });
     return result == SQLITE_BUSY ? SQLITE_OK : result;
 }
 
-// Makes a database whose journal can't be used here usable. Not on the connection that is to use
-// it: its first look into a database with a write-ahead journal would spoil it. A connection that
-// has the database to itself needs no shared memory for that journal.
+// Converts a database with a write-ahead journal, which can't be used here. An exclusive connection
+// can, because it needs no shared memory. It is a second connection: the first one would be
+// unusable after it has read such a database.
 int32_t leaveWriteAheadJournal(const char* database) {
     for (const bool toItself : {false, true}) {
         sqlite3* opened = nullptr;
@@ -82,9 +82,9 @@ int32_t setUp(Connection& connection) try {
     int enforced = 0;
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_FKEY, 1, &enforced);
     int32_t result = enforced == 1 ? chooseJournal(connection) : SQLITE_ERROR;
-    // EXTRA is FULL with the write-ahead journal; with a rollback journal it also syncs the folder,
-    // without which the journal can come back after a power loss and undo what was committed. The
-    // limit is what a journal is cut to that has grown because of a value or a reader.
+    // With the write-ahead journal, EXTRA is the same as FULL. With a rollback journal it also
+    // syncs the folder; otherwise the removed journal can reappear after a power loss and undo a
+    // commit. A journal that has grown beyond the size limit is truncated to it.
     for (const char* const sql :
          {"PRAGMA synchronous = EXTRA", "PRAGMA journal_size_limit = 524288"}) {
         result = result == SQLITE_OK ? execute(handle, sql) : result;
@@ -102,7 +102,7 @@ int32_t setUp(Connection& connection) try {
 
 }  // namespace
 
-// On a full volume the connection can still read.
+// On a full volume this succeeds, because the connection can still read.
 int32_t configure(Connection& connection) {
     connection.setUp = setUp;
     const int32_t result = connection.attempt(Moments(kLongestWait), [] { return SQLITE_OK; });
@@ -110,7 +110,7 @@ int32_t configure(Connection& connection) {
 }
 
 int32_t createFlatKeyTable(Connection& connection) {
-    // Without a row id a set writes one tree, and a get searches one.
+    // WITHOUT ROWID: a set writes one B-tree, and a get searches one.
     constexpr const char* kCreate =
         "CREATE TABLE IF NOT EXISTS tbl_dal_key_dal_value ("
         "c_dal_key TEXT NOT NULL, c_dal_profile_no TEXT NOT NULL, c_dal_value TEXT NOT NULL, "
@@ -121,8 +121,8 @@ int32_t createFlatKeyTable(Connection& connection) {
             return result;
         }
     }
-    // This table is the last to be made: from here on the file holds them all, and what an earlier
-    // process has left in the journal. If it can't be done now, a later set does it.
+    // This is the last table of the set-up. Copying the journal into the database now means that
+    // the database alone has all tables. If that fails, a later set does it.
     connection.once(Clock::time_point(), [&] {
         return sqlite3_wal_checkpoint_v2(connection.get(), "main", SQLITE_CHECKPOINT_PASSIVE,
                                          nullptr, nullptr);

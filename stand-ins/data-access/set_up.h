@@ -1,17 +1,16 @@
-// What a new connection needs before its first item: settings, a journal and the table of the plain
-// items, which this library makes itself.
+// Sets a new connection up: SQLite's configuration, the journal, and the table of the plain items.
 #pragma once
 
 #include <cstdint>
 
 #include "stand-ins/data-access/connection.h"
 
-// Sets the connection up with the journal that its file system can carry: write-ahead where memory
-// can be shared through a file. A set must be on the disk when it returns, and power can go at any
-// moment. With full synchronisation that journal costs one fsync a commit, where a rollback journal
-// costs three or four (on ext4 an update with its commit takes a quarter to two fifths of the
-// time); a writer doesn't block readers in other processes; and a commit is one append, of which a
-// kill leaves all or a tail that the next open drops. Elsewhere a rollback journal.
+// Configures the connection, with a write-ahead journal where processes can share memory through a
+// file of that file system, otherwise with a rollback journal. A set must be on the disk when it
+// returns, because power can fail at any moment. For that, the write-ahead journal needs one fsync
+// a commit and the rollback journal three or four; on ext4 an update with its commit takes a
+// quarter to two fifths of the time. Its writers don't block readers of other processes, and a
+// commit that a kill interrupts is an incomplete end of the file, which the next process ignores.
 int32_t configure(Connection& connection);
 
 int32_t createFlatKeyTable(Connection& connection);

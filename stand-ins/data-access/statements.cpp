@@ -21,8 +21,8 @@ bool isOneOf(std::string_view text, Word... word) {
     return (is(word) || ...);
 }
 
-// Whether only the words follow that may follow BEGIN, COMMIT and ROLLBACK. SQLite interprets the
-// rest.
+// Whether rest has only words that SQL allows after BEGIN, COMMIT and ROLLBACK. Other statements
+// are left to SQLite.
 bool isPlain(std::string_view rest) {
     std::string_view word = takeWord(rest);
     while (isOneOf(word, "TRANSACTION", "DEFERRED", "IMMEDIATE", "EXCLUSIVE")) {
@@ -31,7 +31,7 @@ bool isPlain(std::string_view rest) {
     return word.empty();
 }
 
-// A transaction that has failed before can only be rolled back: its commit fails.
+// The commit of a transaction that has failed before returns that failure.
 int32_t end(Connection& connection, const char* sql, bool keep) {
     Transactions& transactions = connection.transactions;
     const std::lock_guard lock(connection.mutex);
@@ -48,15 +48,15 @@ int32_t end(Connection& connection, const char* sql, bool keep) {
     });
 }
 
-// Whether this makes a table that is there already, which takes no turn: a process that starts next
-// to busy ones would wait for one turn after the other.
+// Whether this creates a table that exists. Then there is nothing to do, and no turn is taken: a
+// process that starts next to busy ones would wait for a turn for each table.
 bool isMade(Connection& connection, std::string_view rest) {
     for (const char* const word : {"TABLE", "IF", "NOT", "EXISTS"}) {
         if (!isOneOf(takeWord(rest), std::string_view(word))) {
             return false;
         }
     }
-    char table[100] = "";  // a longer name counts as unknown
+    char table[100] = "";  // a longer name is not found
     const std::string_view name = takeWord(rest);
     return name.copy(table, sizeof table - 1) == name.size() && connection.hasTable(table);
 }
@@ -69,7 +69,8 @@ int32_t executeOther(Connection& connection, const char* sql) {
         if (wasOpen || !transactions.isOpen()) {
             return result;
         }
-        // A transaction begun in a form that isn't recognised here would have no owner.
+        // The statement has begun a transaction in a form that executeQuery doesn't recognise, such
+        // as after a comment. It would have no owner.
         transactions.rollBack();
         return SQLITE_MISUSE;
     });

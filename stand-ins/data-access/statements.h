@@ -1,4 +1,4 @@
-// The SQL of items and nodes, and the statements that a caller hands over as text.
+// The SQL of items and nodes, and statements that a caller passes as text.
 #pragma once
 
 #include <sqlite3.h>
@@ -10,8 +10,8 @@
 #include "stand-ins/data-access/connection.h"
 #include "stand-ins/data-access/item_address.h"
 
-// Patterns of statements. LIST stands for the name of the list, and what is in braces is left out
-// for plain items. Parameters have the same number in all of them.
+// Patterns of statements. LIST stands for the name of the list; text in braces is left out for
+// plain items. A parameter has the same number in all of them.
 enum Parameter { kNode = 1, kKey, kProfile, kValue };
 inline constexpr char kGetItem[] =
     "SELECT c_dal_value FROM tbl_{LIST_}dal_key_dal_value"
@@ -19,7 +19,7 @@ inline constexpr char kGetItem[] =
 inline constexpr char kFindItem[] =
     "SELECT 1 FROM tbl_{LIST_}dal_key_dal_value"
     " WHERE {c_LIST = ?1 AND }c_dal_key = ?2 AND c_dal_profile_no = ?3";
-// Keeps the row and its place in the indexes where only the value changes.
+// Not INSERT OR REPLACE, which would delete the row and insert it into the indexes again.
 inline constexpr char kSetItem[] =
     "INSERT INTO tbl_{LIST_}dal_key_dal_value ({c_LIST, }c_dal_key, c_dal_profile_no, c_dal_value)"
     " VALUES ({?1, }?2, ?3, ?4) ON CONFLICT ({c_LIST, }c_dal_key, c_dal_profile_no)"
@@ -41,9 +41,8 @@ inline constexpr char kDeleteNode[] =
 inline constexpr char kDeleteNodeInAllProfiles[] = "DELETE FROM tbl_LIST WHERE c_LIST = ?1";
 inline constexpr char kDeleteAllNodes[] = "DELETE FROM tbl_LIST";
 
-// One run of a statement on what an address means. The bound texts belong to
-// the caller, who outlives the run; its end releases the locks on the file. What was bound stays
-// until the next run binds it again.
+// One run of a statement on the rows of an address. The bound texts belong to the caller and must
+// outlive the run. Its end resets the statement, which releases the locks on the file.
 class Run {
   public:
     Run(Session& session, const char* pattern, const Address& address, const Profile& profile);
@@ -53,10 +52,10 @@ class Run {
 
     void bind(Parameter parameter, std::string_view text);
 
-    // SQLITE_ROW, SQLITE_DONE or a failure.
+    // Returns SQLITE_ROW, SQLITE_DONE or a failure.
     int32_t step() { return primaryCode(status == SQLITE_OK ? sqlite3_step(statement) : status); }
 
-    // For a statement without rows: 0 or a failure.
+    // For a statement without rows: returns 0 or a failure.
     int32_t finish() {
         const int32_t result = step();
         return result == SQLITE_DONE ? SQLITE_OK : result;
@@ -64,7 +63,7 @@ class Run {
 
     bool isNull() const { return sqlite3_column_type(statement, 0) == SQLITE_NULL; }
 
-    // The first column of the row; nothing when memory runs out.
+    // Returns the first column of the row; nothing if there is no memory.
     std::optional<std::string_view> text() const;
 
   private:
@@ -72,5 +71,6 @@ class Run {
     int status = SQLITE_NOMEM;
 };
 
-// Executes one statement. What begins or ends a transaction isn't executed as it stands.
+// Executes one statement. BEGIN, COMMIT, END and ROLLBACK are replaced by calls of Transactions,
+// which keeps track of their thread.
 int32_t executeQuery(Connection& connection, const char* sql);

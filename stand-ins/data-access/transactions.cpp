@@ -104,7 +104,7 @@ int32_t Transactions::rollBack() {
     return isEndDue ? result : SQLITE_OK;
 }
 
-// What can't be undone fails in such a way that it ends the caller's transaction.
+// If the savepoint can't be undone, the result is one that ends the caller's transaction.
 int32_t Transactions::release(int32_t result) {
     int32_t end = result == SQLITE_OK ? SQLITE_OK : run(kUndo);
     if (end == SQLITE_OK) {

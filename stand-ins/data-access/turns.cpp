@@ -13,7 +13,7 @@ namespace {
 constexpr off_t kTurn = 0;
 constexpr off_t kLast = 15;
 
-// Some file systems have no locks.
+// Never: some file systems have no locks.
 enum class Locked { Yes, NotNow, Never };
 
 struct flock placesFrom(off_t first, off_t count, short type) {
@@ -38,14 +38,15 @@ void unlock(int file, off_t place) {
     fcntl(file, F_SETLK, &one);
 }
 
-// Another process that has one of the places, or kNobody. 0 and -1 are ones without a number here.
+// Returns another process that has one of the places, or kNobody. The kernel reports a process of
+// another namespace as 0, and an OFD lock as -1.
 constexpr pid_t kNobody = -2;
 pid_t holderOf(int file, off_t first, off_t count) {
     struct flock places = placesFrom(first, count, F_WRLCK);
     return fcntl(file, F_GETLK, &places) != 0 || places.l_type == F_UNLCK ? kNobody : places.l_pid;
 }
 
-// Opens the file with the owner and the rights of the database, as SQLite does with its own files.
+// Creates the file with the owner and the mode of the database, as SQLite does with its own files.
 int openBeside(const std::string& database, const std::string& path) {
     struct stat like {};
     constexpr int kFlags = O_RDWR | O_CLOEXEC | O_NOFOLLOW;
@@ -57,7 +58,7 @@ int openBeside(const std::string& database, const std::string& path) {
     if (made < 0) {
         return errno == EEXIST ? open(path.c_str(), kFlags) : -1;
     }
-    // Only root may give a file away, and only root has to.
+    // Only root can change the owner, and only a file made by root needs that.
     [[maybe_unused]] const bool given =
         fchmod(made, mode) == 0 && fchown(made, like.st_uid, like.st_gid) == 0;
     return made;
@@ -87,7 +88,7 @@ void ThreadQueue::leave() {
         Waiter& next = *first;
         first = next.behind;
         next.isNext = true;
-        // With the mutex held: the waiter is gone once it has seen that it is next.
+        // With the mutex held, because the waiter is destroyed once it has seen isNext.
         next.called.notify_one();
     }
 }
@@ -107,8 +108,8 @@ int ProcessQueue::descriptor() {
     return file->get();
 }
 
-// Whether no process waits for the turn. The look costs as much as the lock: a process that has
-// looked may come again for a millisecond.
+// Whether no process waits for the turn. Checking takes as long as locking, so a check is valid for
+// 1 ms.
 bool ProcessQueue::isAlone(Clock::time_point now) {
     if (now < nextLook) {
         return true;
@@ -120,7 +121,8 @@ bool ProcessQueue::isAlone(Clock::time_point now) {
     return true;
 }
 
-// Moves up from place to place. Nothing if this process has the turn then, otherwise who keeps it.
+// Moves up from place to place. Returns nothing if it gets the turn, otherwise the process that
+// keeps the place before.
 std::optional<ProcessQueue::Holder> ProcessQueue::wait(Clock::time_point deadline) {
     std::optional<Holder> keeping;
     for (off_t place = kLast; place >= kTurn && !keeping; --place) {

@@ -1,5 +1,5 @@
-// Turns to write to a database, in the order of asking. SQLite's own lock goes to whoever happens
-// to try when it is free, so that a busy writer would keep it from all others.
+// Turns to write to a database, in the order of asking. SQLite's own lock goes to whoever tries
+// when it happens to be free, so a busy writer would keep all others from it.
 #pragma once
 
 #include <sys/types.h>
@@ -18,18 +18,19 @@
 
 using Clock = std::chrono::steady_clock;
 
-// The longest that a call waits for others, and the part of it that it spends on its turn.
+// How long a call waits for others at most, and the part of that time in which it waits for its
+// turn.
 constexpr Clock::duration kLongestWait = std::chrono::seconds(10);
 constexpr Clock::duration kLongestWaitForTurn = std::chrono::seconds(5);
 
-// Paces the tries for a lock that nothing announces. The pauses grow with the time waited, so that
-// little is lost whether the lock is held for half a millisecond or for a minute.
+// Paces the attempts to get a lock whose release isn't signalled. The pauses grow with the time
+// waited, so little is lost whether the lock is held for half a millisecond or for a minute.
 class Moments {
   public:
     explicit Moments(Clock::time_point deadline) : end(deadline) {}
     explicit Moments(Clock::duration longest) : end(begin + longest) {}
 
-    // Sleeps for a moment. False, without a sleep, after the deadline.
+    // Sleeps for a moment. After the deadline it returns false, without sleeping.
     bool pass() const {
         const auto now = Clock::now();
         if (now >= end) {
@@ -41,7 +42,7 @@ class Moments {
         return true;
     }
 
-    // Runs work, which returns a result, again while that is busy, until the deadline.
+    // Runs work, and repeats it while it returns busy, until the deadline. Returns its last result.
     template <typename Work>
     int32_t whileIs(int32_t busy, Work work) const {
         int32_t result = work();
@@ -63,7 +64,7 @@ class Moments {
 // waiter is on its thread's stack.
 class ThreadQueue {
   public:
-    // False, and nothing is held, if the deadline comes first.
+    // Returns false, without the lock, after the deadline.
     bool enter(Clock::time_point deadline);
     void leave();
 
@@ -124,10 +125,10 @@ struct Turns {
     static std::shared_ptr<Turns> of(const std::string& database);
 
     ThreadQueue threads;
-    ProcessQueue processes;  // of the thread whose turn it is
+    ProcessQueue processes;  // used by the thread that has the lock of threads
 };
 
-// One turn, until the end of its life. A thread that doesn't get it in time proceeds without.
+// Holds a turn until it is destroyed. A thread that doesn't get its turn in time proceeds without.
 class Turn {
   public:
     Turn() = default;

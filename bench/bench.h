@@ -1,4 +1,4 @@
-// The table of the bench: each exported function, or one of a family, beside its floor, the bare
+// The table of the bench: each exported function, or one of a family, next to its floor, the bare
 // work that it can't do without.
 #pragma once
 
@@ -8,7 +8,7 @@
 using Work = std::function<void()>;
 
 struct Subject {
-    std::string function;  // as exported, and behind a comma which of a family
+    std::string function;  // as exported; after a comma, which one of a family
     Work call;
     Work floor = {};  // none for a function that asks nothing of the system
     // What has to be done first, and isn't timed: once, or before each call.

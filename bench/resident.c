@@ -1,4 +1,4 @@
-/* Prints its memory map without the library and, behind "loaded", with it after a setting. */
+/* Prints its memory map without the library and, after the word "loaded", with it and a setting. */
 #include <dlfcn.h>
 #include <stdint.h>
 #include <stdio.h>

@@ -76,9 +76,7 @@ void measureWifi() {
                                                   attribute(NL80211_STA_INFO_RX_PACKETS, u32(1))),
                                           acknowledgement()};
     wifi_data* const wifi = wifi_scan_init("wlan7");
-    mnl_socket* const notifying = kernel.notifying;
-    // The first of every two sockets gets the notifications.
-    mnl_socket_open(NETLINK_GENERIC);
+    const mnl_socket* const notifying = kernel.notifying;
     mnl_socket* const bare = mnl_socket_open(NETLINK_GENERIC);
     // The kernel's record of the requests would grow.
     const Work before = [=] {

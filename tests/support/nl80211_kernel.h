@@ -1,6 +1,6 @@
-// Plays a kernel with nl80211: defines libmnl's socket functions and if_nametoindex for the program
-// whose only source includes this, records what the library sends, and replies from a script.
-// libmnl's message code is the real one.
+// Plays a kernel with nl80211: defines if_nametoindex and those functions of libmnl that send and
+// receive, for the program whose only source includes this. It records what the library sends, and
+// replies from a script. The sockets and libmnl's other code are real.
 #pragma once
 
 #include <dlfcn.h>
@@ -9,12 +9,12 @@
 #include <linux/genetlink.h>
 #include <linux/nl80211.h>
 #include <net/if.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <deque>
+#include <iterator>
 #include <map>
 #include <span>
 #include <sstream>
@@ -103,28 +103,25 @@ constexpr auto failure = [](int error) { return std::string(1, static_cast<char>
 
 }  // namespace nl80211
 
-struct mnl_socket {
-    int descriptor;  // any that has a mode and flags
-    unsigned port;
-    Datagrams queue;
-
-    bool waits() const { return (fcntl(descriptor, F_GETFL) & O_NONBLOCK) == 0; }
-};
+// Whether a receive on the socket waits.
+inline bool waits(const mnl_socket* socket) {
+    return (fcntl(mnl_socket_get_fd(socket), F_GETFL) & O_NONBLOCK) == 0;
+}
 
 inline struct Nl80211Kernel {
     // The script.
     std::deque<Datagrams> dumps;  // the replies to the first dumps, before on[NL80211_CMD_GET_SCAN]
     std::map<int, Datagrams> on;  // the reply to each command
-    Datagrams notifications;      // wait on the first socket of a handle
-    Datagrams later;              // the same, but sent when a scan was triggered
+    Datagrams notifications;
+    Datagrams later;  // notifications that are sent when a scan was triggered
 
-    // What the library did since it had no socket open.
-    std::vector<std::string> sent;  // requests, in hexadecimal digits
-    std::string commands;           // their commands: "33 32 "
-    int openSockets = 0;
+    // What the library has sent since it last opened a handle: requests, in hexadecimal digits, and
+    // their commands, as "33 32 ".
+    std::vector<std::string> sent;
+    std::string commands;
     uint32_t joinedGroup = 0;
-    mnl_socket* notifying = nullptr;  // the first socket of a handle
-    mnl_socket* commanded = nullptr;  // the one that the last request was sent on
+    const mnl_socket* notifying = nullptr;  // the first socket of a handle that sends
+    Datagrams replies;                      // to the requests
 
     // Knows nl80211 and its scan group, and replies with acknowledgements only. Of the groups with
     // nearly that name, one begins with it, one precedes the right one, and one lacks its NUL.
@@ -152,42 +149,18 @@ unsigned if_nametoindex(const char* name) noexcept {
 }
 
 mnl_socket* mnl_socket_open(int bus) {
-    if (kernel.fails("mnl_socket_open") || bus != NETLINK_GENERIC) {
-        return nullptr;
-    }
-    const Within test(false);
-    if (kernel.openSockets == 0) {
-        std::exchange(kernel.sent, {});
-        std::exchange(kernel.commands, {});
-    }
-    auto* const opened = new mnl_socket{eventfd(0, 0), 1000u + unsigned(kernel.openSockets), {}};
-    kernel.notifying = ++kernel.openSockets % 2 == 1 ? opened : kernel.notifying;
-    return opened;
+    const bool fails = kernel.fails("mnl_socket_open") || bus != NETLINK_GENERIC;
+    return fails ? nullptr : mnl_socket_open2(bus, 0);
 }
 
 int mnl_socket_bind(mnl_socket* socket, unsigned groups, pid_t port) {
-    const bool fails = kernel.fails("mnl_socket_bind");
-    const Within test(false);
     // By now no program that the process starts may inherit the socket.
-    return fails || groups != 0 || port != 0 || fcntl(socket->descriptor, F_GETFD) != 1 ? -1 : 0;
-}
-
-int mnl_socket_close(mnl_socket* socket) {
-    close(socket->descriptor);
-    delete socket;
-    --kernel.openSockets;
-    return 0;
-}
-
-int mnl_socket_get_fd(const mnl_socket* socket) {
-    // The flags of a descriptor of this kind can be read, but not changed.
-    return kernel.fails("F_SETFL")   ? open("/", O_PATH | O_CLOEXEC)
-           : kernel.fails("F_GETFL") ? -1
-                                     : socket->descriptor;
+    const bool isOwn = fcntl(mnl_socket_get_fd(socket), F_GETFD) == FD_CLOEXEC;
+    return kernel.fails("mnl_socket_bind") || groups != 0 || port != 0 || !isOwn ? -1 : 0;
 }
 
 unsigned mnl_socket_get_portid(const mnl_socket* socket) {
-    return socket->port;
+    return socket == kernel.notifying ? 1000 : 1001;
 }
 
 int mnl_socket_setsockopt(const mnl_socket* socket, int option, void* value, socklen_t length) {
@@ -208,25 +181,28 @@ ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* data, size_t siz
     const auto* const request = static_cast<const uint8_t*>(data);
     const auto& head = *static_cast<const nlmsghdr*>(data);
     const int command = request[sizeof head];
+    Datagrams reply = kernel.on[command];
+    if (command == CTRL_CMD_GETFAMILY) {
+        kernel.notifying = socket;
+        kernel.sent = {};
+        kernel.commands = {};
+        kernel.replies = {};
+    } else if (command == NL80211_CMD_GET_SCAN && !kernel.dumps.empty()) {
+        reply = kernel.dumps.front();
+        kernel.dumps.pop_front();
+    } else if (command == NL80211_CMD_TRIGGER_SCAN) {
+        std::ranges::copy(kernel.later, std::back_inserter(kernel.notifications));
+    }
     kernel.commands += std::to_string(command) + " ";
     kernel.sent.emplace_back(socket == kernel.notifying ? "notifications " : "commands ");
     for (const uint8_t byte : std::span(request, size)) {
         kernel.sent.back() += {"0123456789abcdef"[byte / 16], "0123456789abcdef"[byte % 16]};
     }
-    kernel.commanded = const_cast<mnl_socket*>(socket);
-    const bool first = command == NL80211_CMD_GET_SCAN && !kernel.dumps.empty();
-    for (std::string datagram : first ? kernel.dumps.front() : kernel.on[command]) {
+    for (std::string& datagram : reply) {
         for (size_t at; (at = datagram.find(std::string(8, '\xff'))) != std::string::npos;) {
-            datagram.replace(at, 8, u32(head.nlmsg_seq) + u32(socket->port));
+            datagram.replace(at, 8, u32(head.nlmsg_seq) + u32(mnl_socket_get_portid(socket)));
         }
-        kernel.commanded->queue.push_back(datagram);
-    }
-    if (first) {
-        kernel.dumps.pop_front();
-    }
-    if (command == NL80211_CMD_TRIGGER_SCAN) {
-        kernel.notifications.insert(kernel.notifications.end(), kernel.later.begin(),
-                                    kernel.later.end());
+        kernel.replies.push_back(datagram);
     }
     return static_cast<ssize_t>(size);
 }
@@ -236,14 +212,14 @@ ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size)
         return -1;
     }
     const Within test(false);
-    auto& own = const_cast<mnl_socket*>(socket)->queue;
-    auto& queue = own.empty() && socket == kernel.notifying ? kernel.notifications : own;
-    // A blocking receive would never return from an empty one.
-    const int nothing = socket->waits() ? EDEADLK : EAGAIN;
-    const std::string datagram = queue.empty() ? nl80211::failure(nothing) : queue.front();
-    if (!queue.empty()) {
-        queue.pop_front();
+    const bool isReply = socket != kernel.notifying || !kernel.replies.empty();
+    Datagrams& queue = isReply ? kernel.replies : kernel.notifications;
+    if (queue.empty()) {
+        errno = waits(socket) ? EDEADLK : EAGAIN;  // the former would never return
+        return -1;
     }
+    const std::string datagram = queue.front();
+    queue.pop_front();
     errno = datagram.size() == 1 ? datagram[0] : datagram.size() > size ? ENOSPC : 0;
     return errno == 0 ? static_cast<ssize_t>(datagram.copy(static_cast<char*>(buffer), size)) : -1;
 }
@@ -251,10 +227,10 @@ ssize_t mnl_socket_recvfrom(const mnl_socket* socket, void* buffer, size_t size)
 // Plays the reading of the rest of a reply. A receive that waits is for another socket, and real.
 ssize_t recv(int descriptor, void* buffer, size_t size, int flags) {
     static const auto next = reinterpret_cast<decltype(&recv)>(dlsym(RTLD_NEXT, "recv"));
-    if (kernel.fails("recv") || (flags == MSG_DONTWAIT && kernel.commanded->queue.empty())) {
+    if (kernel.fails("recv") || (flags == MSG_DONTWAIT && kernel.replies.empty())) {
         return -1;
     }
-    return flags == MSG_DONTWAIT ? mnl_socket_recvfrom(kernel.commanded, buffer, size)
+    return flags == MSG_DONTWAIT ? mnl_socket_recvfrom(kernel.notifying, buffer, size)
                                  : next(descriptor, buffer, size, flags);
 }
 

@@ -1,6 +1,8 @@
 // Scanning and the state of the link against a played nl80211: requests, records and messages.
 #include "console-manager/wifi.h"
 
+#include <unistd.h>
+
 #include "support/nl80211_kernel.h"
 #include "support/sandbox.h"
 #include "wifi/handle.h"
@@ -90,7 +92,7 @@ class Wifi : public testing::Test {
         kernel.commands.clear();
         testing::internal::CaptureStderr();
         const int32_t result = wifi_scan_all(wifi.get(), records, capacity);
-        EXPECT_TRUE(kernel.notifying->waits());
+        EXPECT_TRUE(waits(kernel.notifying));
         return joined(result, listOf(records)) + testing::internal::GetCapturedStderr();
     }
 
@@ -176,7 +178,11 @@ TEST_F(Wifi, MostFailuresEndTheProcess) {
     for (const Case& c : cases) {
         open();
         const auto run = [&] {
+            const int socket = mnl_socket_get_fd(kernel.notifying);
             fault = {c.function};
+            std::strcmp(c.function, "F_GETFL") == 0 ? close(socket) : 0;
+            // The flags of such a descriptor can be read, but not changed.
+            std::strcmp(c.function, "F_SETFL") == 0 ? dup2(::open("/", O_PATH), socket) : 0;
             kernel.notifications = notifications(c.letters);
             kernel.on[CTRL_CMD_GETFAMILY] = {c.family, acknowledgement()};
             c.family.empty() ? within(wifi_scan_all, wifi.get(), nullptr, 0)

@@ -1,11 +1,15 @@
-// The exact calls that the settings make of the data access library, SQLite and the system. All of
-// them are replaced here, and each call is noted as a line.
+// Every setting: its functions, and the exact calls that they make of the data access library,
+// SQLite and the system. All of those are replaced here, and each call is noted as a line.
 #include "contracts/data_access.h"
 
 #include <cctype>
 #include <concepts>
+#include <cstring>
+#include <functional>
+#include <memory>
 
-#include "support/setting.h"
+#include "console-manager/settings.h"
+#include "support/sandbox.h"
 
 static_assert(std::size(KeyPath{}.slots) == 17);
 
@@ -78,6 +82,10 @@ int system(const char* command) { return note(0, "system", {command}); }
 
 namespace {
 
+constexpr bool kProfiled = true;
+constexpr bool kUnprofiled = false;
+constexpr const char* kNode = "n";
+
 // In lower case, with a separator between words.
 std::string spelled(const std::string& name, char separator) {
     std::string words;
@@ -88,83 +96,175 @@ std::string spelled(const std::string& name, char separator) {
     return words;
 }
 
-class EachSetting : public testing::TestWithParam<Setting> {
-  protected:
-    void SetUp() override { DAL_CML_deleteAll(); }
+struct Setting {
+    std::string name;
+    std::string type;  // in the data access library
+    bool isProfiled;
+    std::string initial;
+    std::vector<std::function<void(const Setting&)>> checks;  // of its functions
+    Texts words = {};                                         // of an enumerated one, by number
+    std::string list = {};                                    // of an item, which is that of kNode
 
-    // Expects one call on this path, with the profile number if the setting is profiled.
-    void expect(const std::string& verb, const std::string& noun, const std::string& path,
-                const std::string& rest = "") const {
-        const bool isProfiled = setting.isProfiled;
-        EXPECT_EQ(calls, verb + (isProfiled ? "Profiled" : "") + noun + database + path + rest +
-                             (isProfiled ? " 0\n" : "\n"));
-        calls.clear();
-    }
-    void expect(const std::string& call, const std::string& pathAndRest) const {
-        EXPECT_EQ(calls, call + database + pathAndRest + "\n");
-        calls.clear();
-    }
-    void checkText() {
-        kept = "v";
-        EXPECT_EQ(setting.get(), "failed v");
-        expect("get", "TypeString", item, " buffer length 99 16 " + setting.initial);
-        EXPECT_EQ(setting.getMalloc(), "failed v");
-        expect("get", "TypeStringMalloc", item, " block length 99");
-        EXPECT_EQ(setting.set("a'b"), kAnswer);
-        expect("set", "TypeString", item, " a'b 0");
-    }
-    void checkNumber() {
-        EXPECT_EQ(setting.get(), "failed 5");
-        expect("get", "Type" + setting.type, item, " number " + setting.initial);
-        for (const std::string value : {"-2147483648", "3"}) {
-            EXPECT_EQ(setting.set(value), kAnswer);
-            expect("set", "Type" + setting.type + "Limits", item,
-                   " " + value + " 0 -2147483648 2147483647");
-        }
-    }
-    void checkWords() {
-        Texts words = setting.words;
-        words.emplace_back();  // a number without a word
-        for (size_t i = 0; i < words.size(); ++i) {
-            const std::string number = std::to_string(i);
-            kept = words[i];
-            EXPECT_EQ(setting.get(), "failed " + (kept.empty() ? setting.initial : number));
-            expect("get", "TypeString", item,
-                   " buffer length 0 65 " + words[std::stoul(setting.initial)]);
-            EXPECT_EQ(setting.set(number), kAnswer);
-            expect("set", "TypeString", item, " " + kept + " 0");
-        }
-    }
-    void checkNodes() {
-        EXPECT_EQ(setting.list.deleteNode("n"), kAnswer);
-        expect("deleteProfiledNodeItem", list + " n 0");
-        EXPECT_EQ(setting.list.deleteAllNodes(), kAnswer);
-        expect("deleteProfiledNodeItem", list + " null -1");
-        EXPECT_EQ(setting.list.isNodePresent("n"), kAnswer);
-        expect("isProfiledNodePresent", list + " n 0");
-        EXPECT_EQ(setting.list.nodes(), nodes);
-        expect("listProfiledNodeItems", list + " null " + list + " 0");
-    }
+    friend void PrintTo(const Setting& setting, std::ostream* out) { *out << setting.name; }
 
-    const Setting& setting = GetParam();
-    const std::string database = setting.name == "AutoTheme" ? " volatile " : " persistent ";
-    const std::string list = spelled(setting.list.name, '_');
-    const std::string item =
-        (list.empty() ? "" : list + " n/") + "dal_key " + spelled(setting.name, '-');
+    std::string word(int32_t number) const {
+        const auto place = static_cast<size_t>(number);
+        return place < words.size() ? words[place] : "";
+    }
+    std::string database() const { return name == "AutoTheme" ? " volatile " : " persistent "; }
+    std::string path() const {
+        return database() + (list.empty() ? "" : list + " n/") + "dal_key " + spelled(name, '-');
+    }
+    // The call on the item, in the setting's scope.
+    std::string call(const char* verb, const std::string& noun, const std::string& rest) const {
+        const std::string all = noun + path() + rest;
+        return verb + (isProfiled ? "Profiled" + all + " 0" : all);
+    }
 };
 
-TEST_P(EachSetting, MakesItsCallsAndReturnsTheirResults) {
+// Expects a result, and that one call was made for it.
+void expect(const auto& result, const auto& expected, const std::string& call) {
+    EXPECT_EQ(joined(result, calls), joined(expected, call + "\n"));
     calls.clear();
-    EXPECT_EQ(setting.getDefault(), setting.initial);
-    setting.getMalloc ? checkText() : setting.words.empty() ? checkNumber() : checkWords();
-    EXPECT_EQ(setting.deleteItem(), kAnswer);
-    setting.isProfiled ? expect("deleteProfiledItem", item + " 0") : expect("deleteItem", item);
-    EXPECT_EQ(setting.deleteAll(), kAnswer);
-    expect("deleteProfiledItem", item + " -1");
-    EXPECT_EQ(setting.isPresent(), kAnswer);
-    expect("is", "Present", item);
-    if (!list.empty()) {
-        checkNodes();
+}
+
+// Not deduced from what is passed.
+template <typename Function>
+using Exact = std::type_identity_t<Function*>;
+
+template <typename... Node>
+void checkValue(const Setting& s, Exact<int32_t(Node..., char*, uint32_t*, size_t)> get,
+                Exact<int32_t(Node..., const char*)> set, Node... node) {
+    char text[16] = "?";
+    uint32_t length = 99;
+    kept = "v";
+    expect(get(node..., text, &length, sizeof text), kAnswer,
+           s.call("get", "TypeString", " buffer length 99 16 " + s.initial));
+    EXPECT_EQ(joined(text, length), "v 1");
+    expect(set(node..., "a'b"), kAnswer, s.call("set", "TypeString", " a'b 0"));
+}
+
+template <typename... Node>
+void checkValue(const Setting& s, Exact<int32_t(Node..., int32_t*)> get,
+                Exact<int32_t(Node..., int32_t)> set, Node... node) {
+    const bool isWord = !s.words.empty();
+    for (const int32_t number : {INT32_MIN, 0, 1, 2, 3, 4}) {
+        int32_t value = -9;
+        kept = s.word(number);
+        expect(get(node..., &value), kAnswer,
+               isWord
+                   ? s.call("get", "TypeString", " buffer length 0 65 " + s.word(stoi(s.initial)))
+                   : s.call("get", "Type" + s.type, " number " + s.initial));
+        EXPECT_EQ(value, !isWord ? 5 : kept.empty() ? stoi(s.initial) : number);
+        expect(set(node..., number), kAnswer,
+               isWord ? s.call("set", "TypeString", " " + kept + " 0")
+                      : s.call("set", "Type" + s.type + "Limits",
+                               joined("", number, "0 -2147483648 2147483647")));
+    }
+}
+
+// The functions that all settings have; those of a list's item take the node first.
+template <typename Value, typename... Node>
+Setting family(const char* name, const char* type, bool isProfiled, const char* initial, auto get,
+               Exact<int32_t(Node..., Value)> set, Value (*getDefault)(),
+               int32_t (*deleteItem)(Node...), int32_t (*deleteAll)(Node...),
+               int32_t (*isPresent)(Node...), Node... node) {
+    const auto check = [=](const Setting& s) {
+        EXPECT_EQ(joined(getDefault()), s.initial);
+        checkValue<Node...>(s, get, set, node...);
+        expect(deleteItem(node...), kAnswer, s.call("delete", "Item", ""));
+        expect(deleteAll(node...), kAnswer, "deleteProfiledItem" + s.path() + " -1");
+        expect(isPresent(node...), kAnswer, s.call("is", "Present", ""));
+    };
+    return {name, type, isProfiled, initial, {check}};
+}
+
+template <typename... Node>
+Setting textFamily(Exact<int32_t(Node..., char**, uint32_t*)> get, Setting family, Node... node) {
+    family.checks.emplace_back([=](const Setting& s) {
+        char* text = nullptr;
+        uint32_t length = 99;
+        expect(get(node..., &text, &length), kAnswer,
+               s.call("get", "TypeStringMalloc", " block length 99"));
+        EXPECT_EQ(joined(text, length), "v 1");
+        free(text);
+    });
+    return family;
+}
+
+Setting enumerated(Texts words, Setting family) {
+    family.words = std::move(words);
+    return family;
+}
+
+Setting item(const char* list, Exact<int32_t(const char*)> isPresent,
+             Exact<int32_t(const char*)> deleteNode, Exact<int32_t()> deleteAll,
+             Exact<char**()> listNodes, Setting family) {
+    family.list = spelled(list, '_');
+    family.checks.emplace_back([=](const Setting& s) {
+        const std::string node = s.database() + s.list + " n 0",
+                          all = s.database() + s.list + " null ";
+        expect(isPresent(kNode), kAnswer, "isProfiledNodePresent" + node);
+        expect(deleteNode(kNode), kAnswer, "deleteProfiledNodeItem" + node);
+        expect(deleteAll(), kAnswer, "deleteProfiledNodeItem" + all + "-1");
+        expect(listNodes(), nodes, "listProfiledNodeItems" + all + s.list + " 0");
+    });
+    return family;
+}
+
+// clang-format off
+#define FAMILY(Value, type, isProfiled, initial, name, ...) family<Value>(#name, type, isProfiled, initial, DAL_CML_get##name, \
+    DAL_CML_set##name, DAL_CML_get##name##Default, DAL_CML_delete##name, DAL_CML_deleteAll##name, \
+    DAL_CML_is##name##Present __VA_OPT__(,) __VA_ARGS__)
+#define TRUTH(...) FAMILY(BOOL, "BOOL", __VA_ARGS__)
+#define NUMBER(...) FAMILY(int32_t, "Int", __VA_ARGS__)
+#define TEXT(isProfiled, initial, name, ...) textFamily(DAL_CML_get##name##Malloc, \
+    FAMILY(const char*, "String", isProfiled, initial, name __VA_OPT__(,) __VA_ARGS__) __VA_OPT__(,) __VA_ARGS__)
+#define WORD(isProfiled, initial, name, ...) enumerated({__VA_ARGS__}, FAMILY(int32_t, "String", isProfiled, initial, name))
+#define LIST(list, itemFamily) item(#list, DAL_CML_is##list##NodePresent, DAL_CML_delete##list##Node, \
+    DAL_CML_deleteAll##list##Nodes, DAL_CML_list##list##Nodes, itemFamily)
+
+const Setting kSettings[] = {
+    TRUTH(kProfiled, "0", EnableDriverPasswordLogin),           TRUTH(kProfiled, "0", EnableDriverIdEntry),
+    TRUTH(kProfiled, "0", AllowDriverReboot),                   TRUTH(kProfiled, "0", AllowDriverToAdjustBrightness),
+    TRUTH(kProfiled, "0", QorHotKeySelectEnabled),              TRUTH(kProfiled, "0", EnableVirtualQorTerminal),
+    TRUTH(kProfiled, "0", UseCodeEntryKeypad),                  TRUTH(kProfiled, "0", ShowToggleThemeIcon),
+    TRUTH(kProfiled, "0", ShowProfilesListByDefault),           TRUTH(kProfiled, "0", ShowPassengerCountTile),
+    NUMBER(kProfiled, "0", MaintenanceTimeout),                 TRUTH(kProfiled, "1", DriverQorTerminalPermission),
+    TRUTH(kProfiled, "1", ShowCustomSplash),                    TRUTH(kProfiled, "1", WakeOnRemoteAction),
+    TRUTH(kProfiled, "1", UseHomeCodeBrowseControls),           TRUTH(kProfiled, "1", TouchScreenClick),
+    TRUTH(kProfiled, "1", BeepsOnUsbUpdate),                    TRUTH(kProfiled, "1", ShowHomeScreenDateTime),
+    NUMBER(kProfiled, "1", UserInterfaceRevision),              TRUTH(kUnprofiled, "0", EnableServiceIdEntry),
+    TRUTH(kUnprofiled, "0", AllowMultipleMessages),             TRUTH(kUnprofiled, "0", UsbUpdateRequiresPassword),
+    TRUTH(kUnprofiled, "0", DestinationChangeRequiresPassword), TRUTH(kUnprofiled, "0", InformationChangeRequiresPassword),
+    TRUTH(kUnprofiled, "0", RoundTripEnable),                   TRUTH(kUnprofiled, "0", RoundTripOrientation),
+    TRUTH(kUnprofiled, "0", SignTestMaintenanceLock),           NUMBER(kUnprofiled, "0", DriverDisplayRenderMode),
+    TRUTH(kUnprofiled, "1", AllowControlOfDestinations),        TRUTH(kUnprofiled, "1", TimeFormat),
+    NUMBER(kProfiled, "4", HomeScreenIconBarQty),               NUMBER(kProfiled, "15", DisplayInactivityTimeout),
+    NUMBER(kProfiled, "30", DisplayOffTimeout),                 NUMBER(kUnprofiled, "-1", DriverDisplaySource),
+    TEXT(kProfiled, "", HomeScreenIconOrder),               TEXT(kProfiled, "UTF-8", DriverMessageTextEncoding),
+    TEXT(kUnprofiled, "EN", Language),
+    WORD(kProfiled, "0", Theme, "LIGHT", "DARK", "AUTO"),   WORD(kProfiled, "0", AutoTheme, "LIGHT", "DARK", "AUTO"),
+    WORD(kProfiled, "0", QorHotKeyIcon, "DEFAULT", "AUDIO_ANNOUNCEMENT"),
+    WORD(kProfiled, "1", DestinationClearControl, "DISABLE", "ENABLE", "PROMPT"),
+    WORD(kUnprofiled, "0", DriverDestinationSelectionMode, "ENTER_BY_NUMBER", "BROWSE_FROM_LIST"),
+    WORD(kUnprofiled, "0", DriverInformationSelectionMode, "ENTER_BY_NUMBER", "BROWSE_FROM_LIST"),
+    WORD(kUnprofiled, "1", DateFormat, "DDMMYY", "DDMMYYYY", "MMDDYYYY", "YYYYMMDD"),
+    LIST(BrowserDestinationHideList, NUMBER(kProfiled, "1", BrowserDestinationHideItem, kNode)),
+    LIST(BrowserInformationHideList, NUMBER(kProfiled, "1", BrowserInformationHideItem, kNode)),
+    LIST(HomeScreenIcons, TEXT(kProfiled, "", HomeScreenIcon, kNode)),
+    LIST(QorHotKeySelectList, TEXT(kProfiled, "", QorHotKeySelectListItem, kNode)),
+    LIST(IconsMenuFavourites, TEXT(kProfiled, "", IconsMenuFavourite, kNode)),
+};
+// clang-format on
+
+using EachSetting = testing::TestWithParam<Setting>;
+
+TEST_P(EachSetting, MakesItsCallsAndReturnsTheirResults) {
+    DAL_CML_deleteAll();  // opens the databases
+    calls.clear();
+    for (const auto& check : GetParam().checks) {
+        check(GetParam());
     }
 }
 

@@ -134,7 +134,7 @@ void runFailing(const Call& call, const char* function, int number) {
 // On the emulated board, which is slow, every eighth call and every eighth setting.
 constexpr int kStride = sizeof(void*) == 4 ? 8 : 1;
 
-class EachCall : public Calls, public testing::WithParamInterface<Subject> {
+class EachCall : public Calls, public testing::WithParamInterface<Call> {
   protected:
     static void failEach(const Call& call) {
         for (const char* const function : functions) {
@@ -158,25 +158,23 @@ class EachCall : public Calls, public testing::WithParamInterface<Subject> {
 };
 
 TEST_P(EachCall, LeavesTheDocumentedResultAndNothingElse) {
-    for (const Call& call : GetParam().calls) {
-        // Fills the caches.
-        EXPECT_EQ(call.result(), call.good);
-        EXPECT_EQ(call.result(), call.good);
-        const Held before;
-        EXPECT_EQ(call.result(), call.good);
-        EXPECT_LE(Held().blocks, before.blocks);
-        failEach(call);
-        for (const Situation& situation : call.situations) {
-            change(situation.what, situation.content);
-            EXPECT_EQ(call.result(), situation.result) << situation.content;
-        }
-        EXPECT_EQ(Held().descriptors, before.descriptors);
+    const Call& call = GetParam();
+    // Fills the caches.
+    EXPECT_EQ(call.result(), call.good);
+    EXPECT_EQ(call.result(), call.good);
+    const Held before;
+    EXPECT_EQ(call.result(), call.good);
+    EXPECT_LE(Held().blocks, before.blocks);
+    failEach(call);
+    for (const Situation& situation : call.situations) {
+        change(situation.what, situation.content);
+        EXPECT_EQ(call.result(), situation.result) << situation.content;
     }
+    EXPECT_EQ(Held().descriptors, before.descriptors);
 }
 
-constexpr auto nameOf = [](const auto& of) { return of.param.name; };
-INSTANTIATE_TEST_SUITE_P(Functions, EachCall, testing::ValuesIn(functionSubjects()), nameOf);
-INSTANTIATE_TEST_SUITE_P(Settings, EachCall, testing::ValuesIn(settingSubjects(kStride)), nameOf);
+INSTANTIATE_TEST_SUITE_P(Functions, EachCall, testing::ValuesIn(functionCalls()),
+                         testing::PrintToStringParamName());
 
 const KeyPath kTimeout{{{"dal_key", "display-off-timeout"}}};
 const KeyPath kIcon{{{"home_screen_icons", "n"}, {"dal_key", "home-screen-icon"}}};
@@ -285,16 +283,15 @@ TEST_F(Faults, TheJournalIsChosenAgainWhenThereIsMemory) {
 
 // A replacement that the library doesn't call would make nothing fail.
 TEST_F(Faults, TheLibraryCallsTheReplacementsAndAScanAllocatesNothing) {
-    const std::vector<Subject> subjects = functionSubjects();
+    const std::vector<Call> calls = functionCalls();
     for (const char* const function :
          {"socket", "send", "recv", "open64", "read", "popen", "system", "pwrite64"}) {
-        EXPECT_TRUE(std::ranges::any_of(subjects, [&](const Subject& subject) {
-            return countOf(subject.calls[0], function) > 0;
-        })) << function;
+        const auto isCalled = [=](const Call& call) { return countOf(call, function) > 0; };
+        EXPECT_TRUE(std::ranges::any_of(calls, isCalled)) << function;
     }
-    for (const Subject& subject : subjects) {
-        const bool scans = subject.name == "wifi_scan_all" || subject.name == "wifi_scan_station";
-        EXPECT_EQ(scans ? countOf(subject.calls[0], "malloc") : 0, 0) << subject.name;
+    for (const Call& call : calls) {
+        const bool scans = call.name == "wifi_scan_all" || call.name == "wifi_scan_station";
+        EXPECT_EQ(scans ? countOf(call, "malloc") : 0, 0) << call.name;
     }
 }
 

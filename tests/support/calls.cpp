@@ -7,11 +7,11 @@
 
 #include "console-manager/device.h"
 #include "console-manager/network.h"
+#include "console-manager/settings.h"
 #include "console-manager/wifi.h"
 #include "support/fault.h"
 #include "support/nl80211_kernel.h"
 #include "support/played_exit.h"
-#include "support/setting.h"
 #include "wifi/handle.h"
 
 namespace {
@@ -33,58 +33,52 @@ std::string takeList(char** list) {
     return text;
 }
 
+#define NAMED(function) #function, function
+
 // Returns the two numbers that a function writes over 7 and 8.
-template <typename Number, typename Result, typename... Port>
-std::string twoNumbers(Exact<Result(Port..., Number*, Number*)> ask, Port... port) {
+template <typename Number>
+std::string twoNumbers(int32_t (*ask)(Number*, Number*)) {
     Number first = 7;
     Number second = 8;
-    if constexpr (std::is_void_v<Result>) {
-        callWithin<Result>(ask, port..., &first, &second);
-    } else {
-        EXPECT_EQ(callWithin<Result>(ask, port..., &first, &second), 0);
-    }
+    EXPECT_EQ(callWithin<int32_t>(ask, &first, &second), 0);
     return joined(first, second);
 }
 
-// Each call finds a stored value that is not the default.
-Subject settingSubject(const Setting& s) {
-    const std::string other = s.getMalloc ? "x" : s.initial == "0" ? "1" : "0";
-    Subject subject(s.name);
-    const auto add = [&](const char* name, const std::string& good, const std::string& failed,
-                         const std::function<std::string()>& call) {
-        const auto run = [=] {
-            s.set(other);
-            return call();
-        };
-        subject.calls.push_back({name, good, {failed}, run});
+// A function of a node, which has the icon "x": whether its result is 0, and whether the icon is
+// there afterwards.
+Call ofIcon(const char* name, int32_t (*call)(const char*), const char* good, const char* failed) {
+    const auto run = [=] {
+        DAL_CML_setHomeScreenIcon("n", "x");
+        const int32_t result = callWithin<int32_t>(call, "n");
+        return joined(result == 0, DAL_CML_isHomeScreenIconPresent("n"));
     };
-    const auto addDelete = [&](const char* name, const auto& call, const auto& isPresent) {
-        add(name, "ok 0", "failed 1", [=] {
-            const int32_t result = within(call);
-            return outcome(result) + joined(isPresent());
-        });
+    return {"icon", name, good, {failed}, run};
+}
+
+std::vector<Call> settingCalls() {
+    const auto text = [] {
+        char* icon = nullptr;
+        uint32_t length = 0;
+        DAL_CML_setHomeScreenIcon("n", "x");
+        callWithin<int32_t>(DAL_CML_getHomeScreenIconMalloc, "n", &icon, &length);
+        return takeText(icon);
     };
-    add("get", "ok " + other, "failed " + s.initial, [=] { return within(s.get); });
-    add("set", "ok ok " + other, "failed ok " + s.initial, [=] {
-        s.deleteItem();
-        const int32_t result = within(s.set, other.c_str());
-        return outcome(result) + s.get();
-    });
-    add("isPresent", "1", "0", [=] { return joined(within(s.isPresent)); });
-    addDelete("delete", s.deleteItem, s.isPresent);
-    addDelete("deleteAll", s.deleteAll, s.isPresent);
-    if (s.getMalloc) {
-        add("getMalloc", "ok x", "failed null", [=] { return within(s.getMalloc); });
-    }
-    if (!s.list.name.empty()) {
-        const auto isNode = [=] { return s.list.isNodePresent("n"); };
-        add("isNodePresent", "1", "0", [=] { return joined(within(isNode)); });
-        addDelete(
-            "deleteNode", [=] { return s.list.deleteNode("n"); }, isNode);
-        addDelete("deleteAllNodes", s.list.deleteAllNodes, isNode);
-        add("listNodes", "n,", "null", [=] { return takeList(within(s.list.nodes)); });
-    }
-    return subject;
+    const auto nodes = [] {
+        DAL_CML_setHomeScreenIcon("n", "x");
+        return takeList(callWithin<char**>(DAL_CML_listHomeScreenIconsNodes));
+    };
+    const auto clear = [] {
+        DAL_CML_setTheme(1);
+        DAL_CML_setAutoTheme(1);
+        const int32_t result = callWithin<int32_t>(DAL_CML_deleteAll);
+        return joined(result, DAL_CML_isThemePresent(), DAL_CML_isAutoThemePresent());
+    };
+    return {ofIcon(NAMED(DAL_CML_isHomeScreenIconPresent), "0 1", "1 1"),
+            ofIcon(NAMED(DAL_CML_isHomeScreenIconsNodePresent), "0 1", "1 1"),
+            ofIcon(NAMED(DAL_CML_deleteHomeScreenIcon), "1 0", "0 1"),
+            {"icon", "DAL_CML_getHomeScreenIconMalloc", "x", {"null"}, text},
+            {"icon", "DAL_CML_listHomeScreenIconsNodes", "n,", {"null"}, nodes},
+            {"settings", "DAL_CML_deleteAll", "0 0 0", {"0 0 1", "0 1 0", "0 1 1"}, clear}};
 }
 
 // Asks for a port that is running, one without a link, one that is down (its name cut to 15 bytes),
@@ -105,40 +99,43 @@ std::string hostAvailable() {
                   CML_getHostAvailable("host", -1, nullptr));
 }
 
+int32_t trafficOfWire(int32_t* received, int32_t* sent) {
+    CML_getNetworkPortInfo("wire", received, sent);
+    return 0;
+}
+
 // A function that returns a text of a port; the text of an unknown port is empty.
-Subject portText(const char* name, const char* (*ask)(const char*), const std::string& good,
-                 const std::vector<Situation>& situations = {}) {
+Call portText(const char* name, const char* (*ask)(const char*), const std::string& good,
+              const std::vector<Situation>& situations = {}) {
     const auto run = [=] {
         const std::string text = callWithin<const char*>(ask, "wire");
         return text + ask("wir");
     };
-    return {name, {name, good, {"", kNoMemory}, run, situations}};
+    return {name, name, good, {"", kNoMemory}, run, situations};
 }
 
-#define NAMED(function) #function, function
-
 // clang-format off
-std::vector<Subject> networkSubjects() {
+std::vector<Call> networkCalls() {
     const std::string counters = "/sys/class/net/wire/statistics/", net = "/sys/class/net";
     const std::string onlyAFile = "mount -t tmpfs none /sys/class && mkdir " + net +
                                   " && touch " + net + "/bonding_masters";
     return {
-        {"", {"CML_getNetworkPortsList", "fifteen-letters,lo,lone,peer,wire,",
-              {"null", "filesystem error"},
-              [] { return takeList(callWithin<char**>(CML_getNetworkPortsList, 0)); },
-              {{"", onlyAFile, "bonding_masters,"},
-               {"", "rm " + net + "/*", "null"},
-               {"", "rmdir " + net, "filesystem error"},
-               {"", "umount /sys/class", "fifteen-letters,lo,lone,peer,wire,"}}}},
-        {"", {"CML_getNetworkPortsList_active", "lo,peer,wire,",
-              {"null", "lo,peer,", "lo,wire,", "peer,wire,", "filesystem error"},
-              [] { return takeList(callWithin<char**>(CML_getNetworkPortsList, -1)); },
-              {{"", onlyAFile, "null"}, {"", "umount /sys/class", "lo,peer,wire,"}}}},
-        {"", {"CML_checkNetworkPortActive", "1", {"0"},
-              [] { return joined(callWithin<int32_t>(CML_checkNetworkPortActive, "lo")); }}},
-        {"", {"CML_getNetworkPortStatus", "1 1 1,1 1 0,1 0 0,0 0 0,",
-              {"0 0 0,1 1 0,1 0 0,0 0 0,", "1 1 1,0 0 0,1 0 0,0 0 0,", "1 1 1,1 1 0,0 0 0,0 0 0,"},
-              portStatus}},
+        {"", "CML_getNetworkPortsList", "fifteen-letters,lo,lone,peer,wire,",
+         {"null", "filesystem error"},
+         [] { return takeList(callWithin<char**>(CML_getNetworkPortsList, 0)); },
+         {{"", onlyAFile, "bonding_masters,"},
+          {"", "rm " + net + "/*", "null"},
+          {"", "rmdir " + net, "filesystem error"},
+          {"", "umount /sys/class", "fifteen-letters,lo,lone,peer,wire,"}}},
+        {"", "CML_getNetworkPortsList_active", "lo,peer,wire,",
+         {"null", "lo,peer,", "lo,wire,", "peer,wire,", "filesystem error"},
+         [] { return takeList(callWithin<char**>(CML_getNetworkPortsList, -1)); },
+         {{"", onlyAFile, "null"}, {"", "umount /sys/class", "lo,peer,wire,"}}},
+        {"", "CML_checkNetworkPortActive", "1", {"0"},
+         [] { return joined(callWithin<int32_t>(CML_checkNetworkPortActive, "lo")); }},
+        {"", "CML_getNetworkPortStatus", "1 1 1,1 1 0,1 0 0,0 0 0,",
+         {"0 0 0,1 1 0,1 0 0,0 0 0,", "1 1 1,0 0 0,1 0 0,0 0 0,", "1 1 1,1 1 0,0 0 0,0 0 0,"},
+         portStatus},
         portText(NAMED(CML_getNetworkPortIPv4Address), "192.0.2.5"),
         portText(NAMED(CML_getNetworkPortIPv4NetMask), "255.255.255.128"),
         portText(NAMED(CML_getNetworkPortIPv6Address), "2001:db8::5"),
@@ -150,16 +147,16 @@ std::vector<Subject> networkSubjects() {
                  "ip -6 route add default via 2001:db8::1 dev wire", ""},
             {"", "ip route add 203.0.113.0/24 via 192.0.2.2 dev wire", "192.0.2.2"},
             {"", "seq 200 | sed 's,.*,route add 10.0.&.0/24 dev lo,' | ip -batch -", ""}}),
-        {"", {"CML_getNetworkPortInfo", "12 34", {"0 34", "12 0", kNoMemory},
-              [] { return twoNumbers<int32_t, void>(CML_getNetworkPortInfo, "wire"); },
-              {{counters + "rx_bytes", " 2147483647 12\n", "2147483647 34"},
-               {counters + "tx_bytes", "18446744073709551615\n", "2147483647 0"},
-               {counters + "rx_bytes", "many", "0 0"}}}},
+        {"", "CML_getNetworkPortInfo", "12 34", {"0 34", "12 0", kNoMemory},
+         [] { return twoNumbers(trafficOfWire); },
+         {{counters + "rx_bytes", " 2147483647 12\n", "2147483647 34"},
+          {counters + "tx_bytes", "18446744073709551615\n", "2147483647 0"},
+          {counters + "rx_bytes", "many", "0 0"}}},
         // Wait statuses: 32512 of exit status 127, a shell that could not be run; 768 of 3.
-        {"", {"CML_getHostAvailable", "0 0 0", {"-1 0 0", "32512 0 0", kNoMemory}, hostAvailable,
-              {{"ping", "test /proc/self/fd/1 -ef /dev/null && test /proc/self/fd/2 -ef /dev/null "
-                        "&& exit 3", "768 768 768"},
-               {"ping", "PATH=${PATH#*:} && case $* in *lo*) ping $* ;; esac", "0 0 0"}}}},
+        {"", "CML_getHostAvailable", "0 0 0", {"-1 0 0", "32512 0 0", kNoMemory}, hostAvailable,
+         {{"ping", "test /proc/self/fd/1 -ef /dev/null && test /proc/self/fd/2 -ef /dev/null "
+                   "&& exit 3", "768 768 768"},
+          {"ping", "PATH=${PATH#*:} && case $* in *lo*) ping $* ;; esac", "0 0 0"}}},
     };
 }
 // clang-format on
@@ -185,28 +182,28 @@ std::string releaseInformation() {
 }
 
 // clang-format off
-Subject releaseText(const char* name, const char* (*ask)(), const std::string& key) {
+Call releaseText(const char* name, const char* (*ask)(), const std::string& key) {
     const auto run = [=] {
         os_release.clear();
         return std::string(callWithin<const char*>(ask));
     };
     const std::string file = "/etc/os-release", twice = key + "=old\n\nno separator\n" + key;
-    return {"os_release", {name, "text", {"", kNoMemory}, run,
+    return {"os_release", name, "text", {"", kNoMemory}, run,
                            {{file, key + "=\"a b\"\n", "a b"},
                             {file, key + "=\"\"\n", ""},
                             {file, key + "=\"\n", "\""},
                             {file, twice + "=a=b", "a=b"},
-                            {file, key + " =x\n=nameless\n", ""}}}};
+                            {file, key + " =x\n=nameless\n", ""}}};
 }
 
 // A function that returns a setting.
 #define RETURNS(setting, number, initial) \
-    {#setting, {"CML_get" #setting, #number, {initial}, [] { \
+    {#setting, "CML_get" #setting, #number, {initial}, [] { \
         DAL_CML_set##setting(number); \
         return joined(callWithin<int32_t>(CML_get##setting)); \
-    }}}
+    }}
 
-std::vector<Subject> deviceSubjects() {
+std::vector<Call> deviceCalls() {
     const std::string stat = "/proc/stat", memory = "/proc/meminfo", uptime = "/proc/uptime";
     const auto restore = [] { return callWithin<void>(CML_restoreDisplayBrightness), ""; };
     return {
@@ -215,49 +212,49 @@ std::vector<Subject> deviceSubjects() {
         releaseText(NAMED(CML_getBuildId), "BUILD_ID"),
         releaseText(NAMED(CML_getMachineName), "MACHINE"),
         releaseText(NAMED(CML_getProductRelease), "VERSION"),
-        {"", {"CML_getLinuxReleaseInformation", "0 1 1", {"0 0 0", "0 1 0", "0 0 1"},
-              releaseInformation}},
-        {"", {"CML_getStorageInfo", "1000 250", {"0 0", kNoMemory, "popen() failed!"},
-              [] { return twoNumbers<uint32_t, int32_t>(CML_getStorageInfo); },
-              {{"df", "echo Filesystem 1K-blocks; echo /dev/data 1000 250.5 25%; exit 1",
-                "1000 250"},
-               {"df", "printf '\\n \\n  /dev/\\t4294967295 0\\n/dev/b 3 4'", "4294967295 0"},
-               {"df", "printf 'tmpfs 1 2\\n/dev 3 4\\nx/dev/a 7 8\\n'", "0 0"},
-               {"df", "printf '/dev/a 5\\n/dev/b 4294967296 7\\n'", "4294967295 0"},
-               {"df", "printf '/dev/a -2 +x\\r\\n/dev/b \\n/dev/c'", "4294967294 0"},
-               {"df", "printf '/dev/" + std::string(300, 'x') + " 1000 250\\n'", "1000 250"}}}},
-        {"", {"CML_getMemoryInformation", "2048 512", {"7 8", "2048 8", "7 512", kNoMemory},
-              [] { return twoNumbers<int32_t, int32_t>(CML_getMemoryInformation); },
-              {{memory, "A: 1\n\nMemFree:\t512\nMemAvailable: 3 kB\n  MemTotal:  2048", "2048 512"},
-               {memory, "MemTotal 1\nMemFree:x 2\nMemTotal:3\nmemtotal: 4\nXMemFree: 5\n", "7 8"},
-               {memory, "MemTotal: -5.024\nMemFree: +7,024\n", "-5 7"},
-               {memory, "MemTotal: 2147483647\nMemFree: 2147483648\n", "2147483647 8"}}}},
+        {"", "CML_getLinuxReleaseInformation", "0 1 1", {"0 0 0", "0 1 0", "0 0 1"},
+         releaseInformation},
+        {"", "CML_getStorageInfo", "1000 250", {"0 0", kNoMemory, "popen() failed!"},
+         [] { return twoNumbers(CML_getStorageInfo); },
+         {{"df", "echo Filesystem 1K-blocks; echo /dev/data 1000 250.5 25%; exit 1",
+           "1000 250"},
+          {"df", "printf '\\n \\n  /dev/\\t4294967295 0\\n/dev/b 3 4'", "4294967295 0"},
+          {"df", "printf 'tmpfs 1 2\\n/dev 3 4\\nx/dev/a 7 8\\n'", "0 0"},
+          {"df", "printf '/dev/a 5\\n/dev/b 4294967296 7\\n'", "4294967295 0"},
+          {"df", "printf '/dev/a -2 +x\\r\\n/dev/b \\n/dev/c'", "4294967294 0"},
+          {"df", "printf '/dev/" + std::string(300, 'x') + " 1000 250\\n'", "1000 250"}}},
+        {"", "CML_getMemoryInformation", "2048 512", {"7 8", "2048 8", "7 512", kNoMemory},
+         [] { return twoNumbers(CML_getMemoryInformation); },
+         {{memory, "A: 1\n\nMemFree:\t512\nMemAvailable: 3 kB\n  MemTotal:  2048", "2048 512"},
+          {memory, "MemTotal 1\nMemFree:x 2\nMemTotal:3\nmemtotal: 4\nXMemFree: 5\n", "7 8"},
+          {memory, "MemTotal: -5.024\nMemFree: +7,024\n", "-5 7"},
+          {memory, "MemTotal: 2147483647\nMemFree: 2147483648\n", "2147483647 8"}}},
         // Counters that do not change give NaN, and a failed reading leaves the figures alone.
-        {"usage", {"CML_getAllCPUUsage", "nan,nan,", {kNoMemory}, allUsage,
-                   {{stat, "cpu 100 0 50 850\ncpu0 1 1 1 1\ncpu1 0 0 0 0\nintr 1\n", "nan,nan,"},
-                    {stat, "cpu 130 20 100 950 9\ncpu0 1 1 1 9\ncpu1 1 2 3 0 7\nctxt", "0.5,0,1,"},
-                    // One core fewer: the figures stay for one call.
-                    {stat, "cpu 152 0 100 951\ncpu1 1 2 4 1\n", "0.5,0,1,"},
-                    {stat, "\n cpu 152 0 100.5 952.5\nno cpu 5\ncpux 2 2 4 2\n", "0.25,0.5,"},
-                    // No reading, then a reading with none to compare with.
-                    {stat, "intr 1 2 3 4\n", "0.25,0.5,"},
-                    {stat, "cpu 10 10 10 10\ncpu0 0 0 0 0\n", "0.25,0.5,"},
-                    {stat, "cpu 20 10\ncpu0 0 x 1 1\n", "0,nan,"},
-                    {stat, "cpu 1e999 1e999\ncpu0 0 - 1 1\n", "1,nan,"}}}},
-        {"usage", {"CML_getCPUUsage", "nan", {kNoMemory},
-                   [] { return joined(std::abs(callWithin<long double>(CML_getCPUUsage))); },
-                   {{stat, "cpu 2 1 1 4\ncpu0 0 0 0 0\n", "0.25"}}}},
-        {"", {"CML_getUpTime", "12345.67", {"0", kNoMemory},
-              [] { return joined(callWithin<long double>(CML_getUpTime)); },
-              {{uptime, "1.234.567 2", "1.234"}, {uptime, "1e+3 2", "1000"}, {uptime, "", "0"}}}},
-        {"", {"CML_restoreDisplayBrightness", "", {}, restore}},
+        {"usage", "CML_getAllCPUUsage", "nan,nan,", {kNoMemory}, allUsage,
+         {{stat, "cpu 100 0 50 850\ncpu0 1 1 1 1\ncpu1 0 0 0 0\nintr 1\n", "nan,nan,"},
+          {stat, "cpu 130 20 100 950 9\ncpu0 1 1 1 9\ncpu1 1 2 3 0 7\nctxt", "0.5,0,1,"},
+          // One core fewer: the figures stay for one call.
+          {stat, "cpu 152 0 100 951\ncpu1 1 2 4 1\n", "0.5,0,1,"},
+          {stat, "\n cpu 152 0 100.5 952.5\nno cpu 5\ncpux 2 2 4 2\n", "0.25,0.5,"},
+          // No reading, then a reading with none to compare with.
+          {stat, "intr 1 2 3 4\n", "0.25,0.5,"},
+          {stat, "cpu 10 10 10 10\ncpu0 0 0 0 0\n", "0.25,0.5,"},
+          {stat, "cpu 20 10\ncpu0 0 x 1 1\n", "0,nan,"},
+          {stat, "cpu 1e999 1e999\ncpu0 0 - 1 1\n", "1,nan,"}}},
+        {"usage", "CML_getCPUUsage", "nan", {kNoMemory},
+         [] { return joined(std::abs(callWithin<long double>(CML_getCPUUsage))); },
+         {{stat, "cpu 2 1 1 4\ncpu0 0 0 0 0\n", "0.25"}}},
+        {"", "CML_getUpTime", "12345.67", {"0", kNoMemory},
+         [] { return joined(callWithin<long double>(CML_getUpTime)); },
+         {{uptime, "1.234.567 2", "1.234"}, {uptime, "1e+3 2", "1000"}, {uptime, "", "0"}}},
+        {"", "CML_restoreDisplayBrightness", "", {}, restore},
         RETURNS(AllowDriverToAdjustBrightness, 1, "0"),
         RETURNS(DisplayInactivityTimeout, -2, "15"),
         RETURNS(DisplayOffTimeout, 2147483647, "30"),
     };
 }
 
-std::vector<Subject> wifiSubjects() {
+std::vector<Call> wifiCalls() {
     const auto init = [] {
         const Handle wifi(callWithin<wifi_data*>(wifi_scan_init, "wlan7"));
         return std::string(wifi ? "handle" : "null");
@@ -284,13 +281,13 @@ std::vector<Subject> wifiSubjects() {
         const int32_t result = callWithin<int32_t>(CML_getWifiStatus, "wlan7", &link);
         return joined(result, link.ssid == nullptr ? "null" : link.ssid, link.rxPackets);
     };
-    return {{"wifi", {"wifi_scan_init", "handle", {"null", "ended"}, init}},
-            {"wifi", {"wifi_scan_close", "", {}, close}},
-            {"wifi", {"wifi_scan_all", "2 net2", {"-1 ", "0 ", "1 net1", "ended"}, all}},
-            {"wifi", {"wifi_scan_station", "1 net2 1 5",
-                      {"0  0 0", "1 net1 -1 0", "1 net1 -1 5", "1 net2 1 0", "ended"}, station}},
-            {"wifi", {"CML_getWifiStatus", "1 net2 5",
-                      {"0 null 0", "1  0", "1 net1 5", "ended"}, status}}};
+    return {{"wifi", "wifi_scan_init", "handle", {"null", "ended"}, init},
+            {"wifi", "wifi_scan_close", "", {}, close},
+            {"wifi", "wifi_scan_all", "2 net2", {"-1 ", "0 ", "1 net1", "ended"}, all},
+            {"wifi", "wifi_scan_station", "1 net2 1 5",
+                      {"0  0 0", "1 net1 -1 0", "1 net1 -1 5", "1 net2 1 0", "ended"}, station},
+            {"wifi", "CML_getWifiStatus", "1 net2 5",
+                      {"0 null 0", "1  0", "1 net1 5", "ended"}, status}};
 }
 // clang-format on
 
@@ -306,25 +303,10 @@ std::string Call::result() const {
     }
 }
 
-std::vector<Subject> functionSubjects() {
-    const auto clearAll = [] {
-        DAL_CML_setTheme(1);
-        DAL_CML_setAutoTheme(1);
-        const int32_t result = callWithin<int32_t>(DAL_CML_deleteAll);
-        return joined(result, DAL_CML_isThemePresent(), DAL_CML_isAutoThemePresent());
-    };
-    std::vector<Subject> all = {
-        {"settings", {"DAL_CML_deleteAll", "0 0 0", {"0 0 1", "0 1 0", "0 1 1"}, clearAll}}};
-    for (const auto& part : {networkSubjects(), deviceSubjects(), wifiSubjects()}) {
+std::vector<Call> functionCalls() {
+    std::vector<Call> all;
+    for (const auto& part : {settingCalls(), networkCalls(), deviceCalls(), wifiCalls()}) {
         all.insert(all.end(), part.begin(), part.end());
-    }
-    return all;
-}
-
-std::vector<Subject> settingSubjects(size_t stride) {
-    std::vector<Subject> all;
-    for (size_t i = 0; i < std::size(kSettings); i += stride) {
-        all.push_back(settingSubject(kSettings[i]));
     }
     return all;
 }

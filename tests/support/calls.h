@@ -14,6 +14,7 @@ struct Situation {
 };
 
 struct Call {
+    std::string owner;  // the same for all calls that share state; empty without such state
     std::string name;
     std::string good;                  // result
     Texts failed;                      // allowed results when a function that it calls fails
@@ -22,22 +23,10 @@ struct Call {
 
     // The text of an exception counts as a result.
     std::string result() const;
+    friend void PrintTo(const Call& call, std::ostream* out) { *out << call.name; }
 };
 
-// The calls of one exported function or of one setting.
-struct Subject {
-    std::string name;
-    std::string owner;  // the same for all calls that share state; empty without such state
-    std::vector<Call> calls;
-
-    Subject(const std::string& sharing, const Call& call)
-        : name(call.name), owner(sharing), calls{call} {}
-    friend void PrintTo(const Subject& subject, std::ostream* out) { *out << subject.name; }
-    explicit Subject(const std::string& setting) : name(setting), owner(setting) {}
-};
-
-std::vector<Subject> functionSubjects();
-std::vector<Subject> settingSubjects(size_t stride = 1);
+std::vector<Call> functionCalls();
 
 // Files, ports, programs and a Wi-Fi kernel with which every call has its good result.
 class Calls : public Sandbox {

@@ -28,15 +28,11 @@ namespace {
 
 // Makes all calls, but those that share state in one of the threads only.
 void callAll(size_t thread = 0, size_t threads = 1) {
-    std::vector<Subject> subjects = functionSubjects();
-    std::ranges::copy(settingSubjects(), std::back_inserter(subjects));
-    for (const Subject& subject : subjects) {
-        const bool isOwn = std::hash<std::string>()(subject.owner) % threads == thread;
+    for (const Call& call : functionCalls()) {
+        const bool isOwn = std::hash<std::string>()(call.owner) % threads == thread;
         // One call deletes all settings.
-        if (subject.owner != "settings" && (isOwn || subject.owner.empty())) {
-            for (const Call& call : subject.calls) {
-                EXPECT_EQ(call.result(), call.good) << subject.name << ' ' << call.name;
-            }
+        if (call.owner != "settings" && (isOwn || call.owner.empty())) {
+            EXPECT_EQ(call.result(), call.good) << call.name;
         }
     }
 }

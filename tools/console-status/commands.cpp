@@ -99,15 +99,14 @@ void check(const Command& command, const Arguments& arguments) {
 }
 
 int run(int count, char** words) {
-    const Arguments arguments = parse(count, words);
+    Arguments arguments = parse(count, words);
     if (arguments.has('V')) {
         print("console-status " CONSOLE_STATUS_VERSION "\n");
         return kDone;
     }
     if (arguments.has('h')) {
-        Arguments about{{"help"}, {}};
-        about.words.insert(about.words.end(), arguments.words.begin(), arguments.words.end());
-        return help(about);
+        arguments.words.insert(arguments.words.begin(), "help");
+        return help(arguments);
     }
     const Command& command = arguments.words.empty() ? kReport : commandOf(arguments.words[0]);
     check(command, arguments);

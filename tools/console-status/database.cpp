@@ -8,8 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "child.h"
-#include "quiet.h"
+#include "messages.h"
 #include "setting.h"
 
 namespace fs = std::filesystem;
@@ -36,10 +35,9 @@ std::string holderOf(const std::string& path) {
 }
 
 bool isDatabase(const fs::path& file) {
-    constexpr const char kMagic[] = "SQLite format 3";
-    char magic[sizeof kMagic] = {};
-    std::ifstream(file).read(magic, sizeof magic);
-    return std::memcmp(magic, kMagic, sizeof magic) == 0;
+    std::string magic(15, '\0');
+    std::ifstream(file).read(magic.data(), std::ssize(magic));
+    return magic == "SQLite format 3";
 }
 
 // Returns why a database can't be used, or an empty text if the file shows no cause.
@@ -91,10 +89,11 @@ std::string seenFromOutside(const Database& database) {
     return saidByChild([&] { std::fputs(causeOf(database.path).c_str(), stderr); });
 }
 
-std::string whyFailed(const Database& database) {
+std::string failureOf(const std::string& what, const Place& place) {
     const Quiet quiet;
+    const Database& database = *place.setting->database;
     const std::string cause = seenFromOutside(database);
-    return "in " + nameOf(database) + ": " +
+    return "can't " + what + " " + nameOf(place) + " in " + nameOf(database) + ": " +
            (!cause.empty()      ? cause
             : database.isRead() ? "the data access library refuses it"
                                 : "it is damaged");

@@ -1,28 +1,16 @@
 // What a setting means, as the catalogue has it.
-#include <map>
-
 #include "commands.h"
 #include "setting.h"
 #include "table.h"
 
 namespace {
 
-const std::map<std::string, const char*> kMeanings = {
-#define BOOL_SETTING(name, key, scope, initial, meaning) {#name, meaning},
-#define INT_SETTING BOOL_SETTING
-#define STRING_SETTING BOOL_SETTING
-#define ENUMERATED_SETTING(name, key, scope, database, initial, meaning, ...) {#name, meaning},
-#define INT_LIST(name, node, list, key, initial, meaning) {#name, meaning},
-#define STRING_LIST INT_LIST
-#include "settings/catalogue.def"
-};
-
 Json describe(const Setting& setting) {
     Json description = {{"name", setting.name},
-                        {"meaning", kMeanings.at(setting.name)},
+                        {"meaning", setting.meaning},
                         {"list", setting.isList()},
                         {"survives_restart", setting.database == &kPersistent}};
-    const Json entry = readSetting(setting, false, "");
+    const Json entry = readSetting({&setting, ""}, false);
     for (const char* const key : {"words", "default", "default_word", "database"}) {
         description[key] = entry[key];
     }
@@ -31,8 +19,8 @@ Json describe(const Setting& setting) {
 
 std::string valuesOf(const Setting& setting) {
     std::string words;
-    for (const Word& word : setting.words) {
-        words.append(words.empty() ? "" : " ").append(word.text);
+    for (const auto& [number, word] : setting.words) {
+        words += (words.empty() ? "" : " ") + word;
     }
     const std::string kind = setting.kind == Kind::Text ? "text" : "number";
     return !words.empty() ? words : setting.isList() ? "(list of " + kind + "s)" : "(" + kind + ")";
@@ -46,7 +34,7 @@ int describeSettings(const Arguments& arguments) {
     std::vector<Row> rows;
     for (const Setting& setting : kSettings) {
         description[setting.name] = describe(setting);
-        rows.push_back({setting.name, valuesOf(setting), kMeanings.at(setting.name)});
+        rows.push_back({setting.name, valuesOf(setting), setting.meaning});
     }
     if (!isAll) {
         rows.clear();

@@ -3,14 +3,13 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
 
 #include "commands.h"
-#include "quiet.h"
+#include "messages.h"
 #include "report.h"
 #include "table.h"
 
@@ -36,11 +35,10 @@ void readSoftware(Json& report, const Json&) {
 // Sizes in KiB. A total of 0 is unknown. The highest total stands for all larger ones, of which the
 // part is unknown.
 Json space(const char* partName, uint32_t total, uint32_t part) {
-    const auto bytes = [](uint32_t size, bool known) {
-        return known ? Json(1024 * uint64_t{size}) : Json();
-    };
-    return {{"total_bytes", bytes(total, total != 0)},
-            {partName, bytes(part, total != 0 && total != UINT32_MAX)}};
+    const Json totalBytes = total != 0 ? Json(1024 * uint64_t{total}) : Json();
+    const bool isKnown = total != 0 && total != UINT32_MAX;
+    return {{"total_bytes", totalBytes},
+            {partName, isKnown ? Json(1024 * uint64_t{part}) : Json()}};
 }
 
 Json readMemory() {
@@ -66,10 +64,9 @@ Json readStorage() {
 Json onlineProcessors() {
     Json numbers = Json::array();
     std::ifstream figures("/proc/stat");
-    for (std::string word; figures >> word;) {
-        const auto number = numberOf(word.substr(std::min<size_t>(word.size(), 3)));
-        if (word.starts_with("cpu") && number) {
-            numbers.push_back(*number);
+    for (std::string line; std::getline(figures, line);) {
+        if (line.starts_with("cpu") && line[3] != ' ') {
+            numbers.push_back(std::stoi(line.substr(3)));
         }
     }
     return numbers;
@@ -105,12 +102,8 @@ Json readLoad() {
 }
 
 std::string upTimeText(double seconds) {
-    const auto all = static_cast<int64_t>(seconds);
-    char text[48];
-    std::snprintf(text, sizeof text, "%d d %02d:%02d:%02d", static_cast<int>(all / 86400),
-                  static_cast<int>(all / 3600 % 24), static_cast<int>(all / 60 % 60),
-                  static_cast<int>(all % 60));
-    return text;
+    const auto all = static_cast<std::time_t>(seconds);
+    return std::to_string(all / 86400) + " d " + timeText("%T", std::gmtime, all);
 }
 
 std::string showSoftware(const Json& report) {
@@ -146,12 +139,13 @@ Row meter(const std::string& name, const Json& share, bool isUrgent, const std::
 Row meterOf(const char* name, const Json& space, const std::string& part, bool isUrgent) {
     const Json& total = space["total_bytes"];
     const Json& bytes = space[part + "_bytes"];
-    if (total.is_null()) {
-        return meter(name, total, isUrgent, "can't be measured");
+    if (bytes.is_null()) {
+        const bool isLarge = !total.is_null();
+        return meter(name, bytes, isUrgent,
+                     isLarge ? sizeText(total) + " or more" : "can't be measured");
     }
-    return bytes.is_null() ? meter(name, bytes, isUrgent, sizeText(total) + " or more")
-                           : meter(name, bytes.get<double>() / total.get<double>(), isUrgent,
-                                   sizeText(bytes) + " of " + sizeText(total) + " " + part);
+    return meter(name, bytes.get<double>() / total.get<double>(), isUrgent,
+                 sizeText(bytes) + " of " + sizeText(total) + " " + part);
 }
 
 std::string showLoad(const Json& report) {

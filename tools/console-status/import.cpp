@@ -1,8 +1,8 @@
 // Stores what "export" has printed, on this or another console.
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <iostream>
+#include <system_error>
 
 #include "commands.h"
 #include "stored.h"
@@ -11,20 +11,19 @@ namespace {
 
 std::string decodedText(const std::string& name, const Json& given) {
     const bool isBytes = given.contains("bytes") && given.size() == 1 && given["bytes"].is_array();
-    std::string text(given.is_string() || isBytes ? 0 : 1, '\0');
-    text += given.is_string() ? given.get<std::string>() : "";
+    std::string text = given.is_string() ? given.get<std::string>() : "";
     for (const Json& byte : isBytes ? given["bytes"] : Json()) {
         const bool isByte = byte.is_number_unsigned() && byte < 256;
         text += static_cast<char>(isByte ? byte.get<int>() : 0);
     }
-    if (text.find('\0') != std::string::npos) {
+    if (!(given.is_string() || isBytes) || text.find('\0') != std::string::npos) {
         throw UsageError(name + " takes a text without zeros, not " + quoted(given.dump()));
     }
     return text;
 }
 
 Json decodedValue(const Place& place, const Json& given) {
-    const Setting& setting = *place.first;
+    const Setting& setting = *place.setting;
     if (setting.kind == Kind::Text) {
         return decodedText(nameOf(place), given);
     }
@@ -45,7 +44,9 @@ void addEntry(Stored& wanted, const Json& entry) {
         throw UsageError(name +
                          (setting.isList() ? " needs a node" : " needs a value and no node"));
     }
-    const Place place = {&setting, hasNode ? decodedText(name + " node", entry["node"]) : ""};
+    const Place place = {&setting, hasNode
+                                       ? std::optional(decodedText(name + " node", entry["node"]))
+                                       : std::nullopt};
     if (!wanted.emplace(place, hasValue ? decodedValue(place, entry["value"]) : Json()).second) {
         throw UsageError(nameOf(place) + " is given twice");
     }
@@ -55,7 +56,7 @@ void addEntry(Stored& wanted, const Json& entry) {
 Stored readFile(const std::string& path) {
     std::ifstream file(path == "-" ? "/dev/null" : path);
     if (file.peek(); file.bad() || !file.is_open()) {
-        throw std::runtime_error("cannot read " + path + ": " + std::strerror(errno));
+        throw std::system_error(errno, std::generic_category(), "cannot read " + path);
     }
     Stored wanted;
     try {
@@ -71,14 +72,14 @@ Stored readFile(const std::string& path) {
 }
 
 bool store(const Place& place, const Json& before, const Json& value) {
-    const auto& [setting, node] = place;
-    const char* const id = node.c_str();
+    const Setting* const setting = place.setting;
+    const char* const id = place.id();
     if (!value.is_null()) {
         return setting->set(id, value) == 0;
     }
     // A node comes with a value.
     return (!before.is_discarded() || setting->set(id, setting->fallback) == 0) &&
-           setting->reset(id) == 0 && setting->nodes.isPresent(id) != 0;
+           setting->reset(id) == 0 && setting->isNode(id) != 0;
 }
 
 }  // namespace
@@ -95,9 +96,8 @@ int importSettings(const Arguments& arguments) {
         if (arguments.has('n')) {
             print(changeText(place, before, value));
         } else if (!store(place, before, value)) {
-            const Database& database = *place.first->database;
-            status = fail("can't set " + nameOf(place) + " " + whyFailed(database));
-            if (!seenFromOutside(database).empty()) {
+            status = fail(failureOf("set", place));
+            if (!seenFromOutside(*place.setting->database).empty()) {
                 return fail("the rest is not tried");  // each set would wait for a lock
             }
         }

@@ -50,10 +50,7 @@ std::string sample(const Metric& metric, const Json& object) {
                             Json(Cell(object.at(name)).text).dump();
     }
     return std::string("console_") + metric.name + labels + (labels.empty() ? " " : "} ") +
-           (value.is_number() ? value.dump()
-            : value == false  ? "0"
-                              : "1") +
-           "\n";
+           (value.is_number() ? value.dump() : std::to_string(value != false)) + "\n";
 }
 
 }  // namespace
@@ -72,9 +69,9 @@ int printMetrics(const Arguments& arguments) {
     std::string text;
     for (const Metric& metric : kMetrics) {
         const Json& found = report.at(Json::json_pointer(metric.objects));
-        std::string samples = found.is_object() ? sample(metric, found) : "";
-        for (size_t i = 0; found.is_array() && i < found.size(); ++i) {
-            samples += sample(metric, found[i]);
+        std::string samples;
+        for (const Json& object : found.is_object() ? Json::array({found}) : found) {
+            samples += sample(metric, object);
         }
         if (!samples.empty()) {
             const std::string name = std::string("console_") + metric.name;

@@ -4,8 +4,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
+#include <system_error>
 
 #include "commands.h"
 
@@ -26,10 +26,10 @@ void writeOutput(const Arguments& arguments, const std::string& text) {
     errno = file >= 0 ? ENOSPC : errno;  // why a write ends early without an error
     const bool isDone = file >= 0 && write(file, text.data(), text.size()) == std::ssize(text) &&
                         fsync(file) == 0 && rename(temporary.c_str(), path.c_str()) == 0;
-    const std::string cause = std::strerror(errno);
+    const std::system_error error(errno, std::generic_category(), "cannot write " + quoted(path));
     close(file);
     if (!isDone) {
         unlink(temporary.c_str());
-        throw std::runtime_error("cannot write " + quoted(path) + ": " + cause);
+        throw error;
     }
 }

@@ -3,8 +3,8 @@
 
 #include <cstdio>
 
-#include "child.h"
 #include "commands.h"
+#include "messages.h"
 #include "report.h"
 
 namespace {

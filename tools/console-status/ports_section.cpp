@@ -1,9 +1,7 @@
 #include <arpa/inet.h>
 #include <console-manager/network.h>
-#include <unistd.h>
 
 #include <bit>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 
@@ -12,6 +10,8 @@
 #include "table.h"
 
 namespace {
+
+constexpr size_t kMany = 20;  // ports, of which the progress is shown
 
 // 0 from the library means no traffic, 2 GiB or more, or a failure.
 Json counted(int32_t bytes) {
@@ -48,17 +48,6 @@ Json readPort(const char* port) {
             {"tx_bytes", counted(sent)}};
 }
 
-// Shows the progress of a long reading on a terminal.
-void showProgress(size_t done, size_t all) {
-    constexpr size_t kMany = 20;
-    if (all < kMany || isatty(STDERR_FILENO) != 1) {
-        return;
-    }
-    const std::string text =
-        "Reading port " + std::to_string(done + 1) + " of " + std::to_string(all);
-    std::fprintf(stderr, "%s\r", done < all ? text.c_str() : std::string(text.size(), ' ').c_str());
-}
-
 // Name, state, and the address with its prefix length, which is the number of bits in the mask.
 Row frontOf(const Json& port) {
     const std::string state = port["state"];
@@ -82,11 +71,14 @@ Cell rateCell(const Json& rate) {
 
 void readPorts(Json& report, const Json& ports) {
     Json& states = report["ports"] = ports;
-    for (size_t i = 0; i < ports.size(); ++i) {
-        showProgress(i, ports.size());
+    const size_t all = ports.size();
+    for (size_t i = 0; i < all; ++i) {
         states[i] = readPort(ports[i].get_ref<const std::string&>().c_str());
+        if (all >= kMany) {
+            const std::string done = std::to_string(i + 1) + " of " + std::to_string(all);
+            showProgress(i + 1 < all ? "Read " + done + " ports" : "");
+        }
     }
-    showProgress(ports.size(), ports.size());
 }
 
 std::string showPorts(const Json& report) {

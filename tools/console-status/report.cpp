@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <iomanip>
 #include <sstream>
 #include <utility>
@@ -154,10 +153,9 @@ int watch(const Sections& sections, const Json& ports, int seconds, bool asJson)
 
 }  // namespace
 
-std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*)) {
-    const std::time_t now = std::time(nullptr);
+std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*), std::time_t time) {
     std::ostringstream text;
-    text << std::put_time(split(&now), pattern);
+    text << std::put_time(split(&time), pattern);
     return text.str();
 }
 

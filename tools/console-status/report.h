@@ -25,8 +25,9 @@ extern const Section kPortsSection;
 extern const Section kWifiSection;
 extern const Section kSettingsSection;
 
-// The time now, by a pattern of strftime.
-std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*));
+// A time by a pattern of strftime, for which std::gmtime or std::localtime splits it.
+std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*),
+                     std::time_t time = std::time(nullptr));
 
 // Returns the names of the network ports, or null after a message on stderr.
 Json portNames();

@@ -50,21 +50,24 @@ int32_t setText(const char* node, const Json& value) {
 }
 
 // clang-format off
+#define ROW(name, meaning, database, kind, getter, Form, words, ...)                             \
+    {#name, meaning, &k##database, Kind::kind, words, DAL_CML_get##name##Default(), getter,      \
+     set##Form<DAL_CML_set##name>, call<DAL_CML_delete##name>, call<DAL_CML_is##name##Present>, __VA_ARGS__},
+#define NUMBER(name, meaning, database, kind, ...)                                               \
+    ROW(name, meaning, database, kind, getNumber<DAL_CML_get##name>, Number, __VA_ARGS__)
+#define TEXT(name, meaning, ...)                                                                 \
+    ROW(name, meaning, Persistent, Text, getText<DAL_CML_get##name##Malloc>, Text, __VA_ARGS__)
 #define NODES(node)                                                                              \
     DAL_CML_list##node##s, DAL_CML_is##node##Present, DAL_CML_delete##node, DAL_CML_deleteAll##node##s
-#define ROW(name, database, kind, getter, Form, words, ...)                                      \
-    {#name, &k##database, Kind::kind, words, DAL_CML_get##name##Default(), getter,               \
-     set##Form<DAL_CML_set##name>, call<DAL_CML_delete##name>, call<DAL_CML_is##name##Present>, {__VA_ARGS__}},
-#define NUMBER(name, database, kind, ...)                                                        \
-    ROW(name, database, kind, getNumber<DAL_CML_get##name>, Number, __VA_ARGS__)
-#define TEXT(name, ...) ROW(name, Persistent, Text, getText<DAL_CML_get##name##Malloc>, Text, __VA_ARGS__)
-#define BOOL_SETTING(name, ...) NUMBER(name, Persistent, Truth, Words({{0, "false"}, {1, "true"}}))
-#define INT_SETTING(name, ...) NUMBER(name, Persistent, Number, {})
-#define STRING_SETTING(name, ...) TEXT(name, {})
+#define BOOL_SETTING(name, key, scope, initial, meaning)                                         \
+    NUMBER(name, meaning, Persistent, Truth, Words({{0, "false"}, {1, "true"}}))
+#define INT_SETTING(name, key, scope, initial, meaning) NUMBER(name, meaning, Persistent, Number, {})
+#define STRING_SETTING(name, key, scope, initial, meaning) TEXT(name, meaning, {})
 #define ENUMERATED_SETTING(name, key, scope, database, initial, meaning, ...)                    \
-    NUMBER(name, database, Word, Words({__VA_ARGS__}))
-#define INT_LIST(name, node, ...) NUMBER(name, Persistent, Number, {}, NODES(node))
-#define STRING_LIST(name, node, ...) TEXT(name, {}, NODES(node))
+    NUMBER(name, meaning, database, Word, Words({__VA_ARGS__}))
+#define INT_LIST(name, node, list, key, initial, meaning)                                        \
+    NUMBER(name, meaning, Persistent, Number, {}, NODES(node))
+#define STRING_LIST(name, node, list, key, initial, meaning) TEXT(name, meaning, {}, NODES(node))
 // clang-format on
 
 std::vector<Setting> sorted(std::vector<Setting> settings) {
@@ -74,45 +77,10 @@ std::vector<Setting> sorted(std::vector<Setting> settings) {
     return settings;
 }
 
-}  // namespace
-
-const std::vector<Setting> kSettings = sorted({
-#include "settings/catalogue.def"
-});
-
-Json wordOf(const Setting& setting, const Json& value) {
-    for (const Word& word : setting.words) {
-        if (value == word.number) {
-            return word.text;
-        }
-    }
-    return nullptr;
-}
-
-Json parseValue(const Setting& setting, const std::string& text) {
-    if (setting.kind == Kind::Text) {
-        return text;
-    }
-    const auto number = numberOf(text);
-    std::string takes;
-    Names words;
-    for (const Word& word : setting.words) {
-        if (number == word.number || strcasecmp(text.c_str(), word.text) == 0) {
-            return word.number;
-        }
-        takes += words.emplace_back(word.text) + " (" + std::to_string(word.number) + "), ";
-    }
-    const bool takesAny = setting.kind != Kind::Word;
-    if (number && takesAny) {
-        return *number;
-    }
-    throw UsageError(setting.name + " takes " + takes +
-                     (takesAny ? "a whole number of 32 bits, " : "") + "not " + quoted(text) +
-                     suggestion(text, words));
-}
-
+// Returns the nodes of a list in order, each with its value, or null if the list can't be read.
+// "stored" is false if the node has the default.
 Json nodesOf(const Setting& list) {
-    char** const nodes = list.nodes.list();
+    char** const nodes = list.list();
     Names names = take(nodes);
     std::ranges::sort(names);
     Json entries = nodes != nullptr ? Json::array() : Json();
@@ -127,17 +95,55 @@ Json nodesOf(const Setting& list) {
     return entries;
 }
 
-Json readSetting(const Setting& setting, bool usable, const char* node) {
-    if (setting.isList() && node == nullptr) {
+}  // namespace
+
+const std::vector<Setting> kSettings = sorted({
+#include "settings/catalogue.def"
+});
+
+std::string nameOf(const Place& place) {
+    return place.setting->name + (place.node ? " " + quoted(*place.node) : "");
+}
+
+Json wordOf(const Setting& setting, const Json& value) {
+    const auto word = value.is_number() ? setting.words.find(value) : setting.words.end();
+    return word != setting.words.end() ? Json(word->second) : Json();
+}
+
+Json parseValue(const Setting& setting, const std::string& text) {
+    if (setting.kind == Kind::Text) {
+        return text;
+    }
+    const auto number = numberOf(text);
+    std::string takes;
+    Names words;
+    for (const auto& [ofWord, word] : setting.words) {
+        if (number == ofWord || strcasecmp(text.c_str(), word.c_str()) == 0) {
+            return ofWord;
+        }
+        takes += words.emplace_back(word) + " (" + std::to_string(ofWord) + "), ";
+    }
+    const bool takesAny = setting.kind != Kind::Word;
+    if (number && takesAny) {
+        return *number;
+    }
+    throw UsageError(setting.name + " takes " + takes +
+                     (takesAny ? "a whole number of 32 bits, " : "") + "not " + quoted(text) +
+                     suggestion(text, words));
+}
+
+Json readSetting(const Place& place, bool usable) {
+    const Setting& setting = *place.setting;
+    if (setting.isList() && !place.node) {
         return {{"nodes", usable ? nodesOf(setting) : Json()},
                 {"default", setting.fallback},
                 {"database", setting.database->name}};
     }
-    const bool isStored = usable && setting.isPresent(node) != 0;
-    const Json value = !usable ? Json() : isStored ? setting.get(node) : setting.fallback;
+    const bool isStored = usable && setting.isPresent(place.id()) != 0;
+    const Json value = !usable ? Json() : isStored ? setting.get(place.id()) : setting.fallback;
     Json words;
-    for (const Word& word : setting.words) {
-        words.push_back(word.text);
+    for (const auto& [number, word] : setting.words) {
+        words.push_back(word);
     }
     return {{"value", value},
             {"word", wordOf(setting, value)},
@@ -148,7 +154,6 @@ Json readSetting(const Setting& setting, bool usable, const char* node) {
             {"database", setting.database->name}};
 }
 
-std::string textOf(const Json& entry) {
-    const Json& text = entry[entry["word"].is_null() ? "value" : "word"];
-    return text.is_string() ? text.get<std::string>() : text.dump();
+const Json& shownOf(const Json& entry) {
+    return entry[entry["word"].is_null() ? "value" : "word"];
 }

@@ -1,42 +1,30 @@
 #include <console-manager/settings.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 
 #include "commands.h"
-#include "quiet.h"
-#include "setting.h"
+#include "messages.h"
+#include "stored.h"
 #include "table.h"
 
 namespace {
 
-// What a command works on: a setting, a list, or a node of a list.
-struct Target {
-    const Setting& setting;
-    const char* node;  // null for none
-    std::string name;
-};
-
-int resultOf(const std::string& what, const Target& target, bool isDone) {
-    return isDone ? kDone
-                  : fail("can't " + what + " " + target.name + " " +
-                         whyFailed(*target.setting.database));
-}
-
-int showValue(const Target& target, const Arguments& arguments) {
-    const Json entry = readSetting(target.setting, true, target.node);
+int showValue(const Place& place, const Arguments& arguments) {
+    const Json entry = readSetting(place, true);
     if (entry.front().is_null()) {
-        return resultOf("read", target, false);
+        return fail(failureOf("read", place));
     }
     if (arguments.has('j')) {
-        Json named = {{"name", target.setting.name},
-                      {"node", target.node != nullptr ? Json(target.node) : Json()}};
+        Json named = {{"name", place.setting->name},
+                      {"node", place.node ? Json(*place.node) : Json()}};
         named.update(entry);
         print(jsonText(named, arguments.indent()));
     } else if (!entry.contains("nodes")) {
+        const Json& shown = shownOf(entry);
         // A terminal would obey control characters; a pipe gets the stored text.
-        print((isTerminal() ? Cell(textOf(entry)).text : textOf(entry)) + "\n");
+        const bool isRaw = shown.is_string() && !isTerminal();
+        print((isRaw ? shown.get<std::string>() : Cell(shown).text) + "\n");
     } else {
         std::vector<Row> rows;
         for (const Json& node : entry["nodes"]) {
@@ -47,18 +35,18 @@ int showValue(const Target& target, const Arguments& arguments) {
     return kDone;
 }
 
-int change(const std::string& what, const Target& target, const Json& value) {
-    const Setting& setting = target.setting;
-    const char* const node = target.node;
+int change(const std::string& what, const Place& place, const Json& value) {
+    const Setting& setting = *place.setting;
+    const char* const node = place.id();
     const auto succeeds = [&] {
         const Quiet quiet;
         // A data access library may refuse to delete an absent item.
         return what == "set"     ? setting.set(node, value) == 0
                : what == "reset" ? setting.isPresent(node) == 0 || setting.reset(node) == 0
-               : what == "clear" ? setting.nodes.clear() == 0
-                                 : setting.nodes.remove(node) == 0;
+               : what == "clear" ? setting.clear() == 0
+                                 : setting.remove(node) == 0;
     };
-    return resultOf(what, target, succeeds());
+    return succeeds() ? kDone : fail(failureOf(what, place));
 }
 
 // Asks the user of a terminal for confirmation.
@@ -71,19 +59,6 @@ bool isAgreed() {
     return answer == 'y' || answer == 'Y';
 }
 
-// Returns what a factory reset has left in a database, or why that is unknown; null if nothing.
-Json remainderOf(const Database& database) {
-    const Quiet quiet;
-    // Begins with the lists: one that can't be read ends the search, so only one call waits for a
-    // lock.
-    const auto left = std::find_if(kSettings.rbegin(), kSettings.rend(), [&](const Setting& each) {
-        return each.database == &database &&
-               (each.isList() ? nodesOf(each) != Json::array() : each.isPresent(nullptr) != 0);
-    });
-    return left == kSettings.rend() ? troubleOf(database)
-                                    : Json("can't reset " + left->name + " " + whyFailed(database));
-}
-
 }  // namespace
 
 int useSetting(const Arguments& arguments) {
@@ -92,43 +67,34 @@ int useSetting(const Arguments& arguments) {
         return showStored(arguments);  // of all lists
     }
     const Setting& setting = *find<Setting>(kSettings, arguments.words[1], "setting or list");
-    const std::string& name = setting.name;
     const bool ofWhole = what == "list" || what == "clear";
     const bool hasNode = arguments.words.size() == (what == "set" ? 4 : 3);
-    if (!setting.isList() && (hasNode || ofWhole)) {
-        throw UsageError(name + " is no list");
-    }
-    if (setting.isList() && !hasNode && !ofWhole) {
-        throw UsageError(name + " is a list: name one of its nodes, too");
+    if (setting.isList() != (hasNode || ofWhole)) {
+        throw UsageError(setting.name + (setting.isList() ? " is a list: name one of its nodes, too"
+                                                          : " is no list"));
     }
     if (const Json trouble = troubleOf(*setting.database); !trouble.is_null()) {
         return fail(trouble);
     }
-    const char* const node = hasNode ? arguments.words[2].c_str() : nullptr;
-    const Target target{setting, node, hasNode ? name + " " + quoted(node) : name};
+    const Place place = {&setting, hasNode ? std::optional(arguments.words[2]) : std::nullopt};
     if (what == "set") {  // makes the node
-        return change(what, target, parseValue(setting, arguments.words.back()));
+        return change(what, place, parseValue(setting, arguments.words.back()));
     }
-    if (hasNode && setting.nodes.isPresent(node) == 0) {
-        return fail("there is no " + target.name + suggestion(node, take(setting.nodes.list())));
+    if (hasNode && setting.isNode(place.id()) == 0) {
+        return fail("there is no " + nameOf(place) + suggestion(place.id(), take(setting.list())));
     }
-    return what == "get" || what == "list" ? showValue(target, arguments)
-                                           : change(what, target, nullptr);
+    return what == "get" || what == "list" ? showValue(place, arguments)
+                                           : change(what, place, nullptr);
 }
 
 int resetAll(const Arguments& arguments) {
     if (!arguments.has('y') && !isAgreed()) {
         return fail("nothing is changed");
     }
-    {
+    const Stored left = [] {
         const Quiet quiet;
-        DAL_CML_deleteAll();
-    }
-    // The result of the library doesn't show a failed removal.
-    int status = kDone;
-    for (const Database* database : {&kPersistent, &kVolatile}) {
-        const Json remainder = remainderOf(*database);
-        status = remainder.is_null() ? status : fail(remainder);
-    }
-    return status;
+        DAL_CML_deleteAll();  // the result doesn't show a failed removal
+        return readStored();
+    }();
+    return left.empty() ? kDone : fail(failureOf("reset", left.begin()->first));
 }

@@ -12,9 +12,9 @@ void readSettings(Json& report, const Json&) {
     for (const Setting& setting : kSettings) {
         Json& error = databases[setting.database->name]["error"];
         Json& entry = entries[setting.isList() ? "lists" : "settings"][setting.name];
-        entry = readSetting(setting, error.is_null());
+        entry = readSetting({&setting, {}}, error.is_null());
         if (error.is_null() && entry.front().is_null()) {
-            error = "can't read " + setting.name + " " + whyFailed(*setting.database);
+            error = failureOf("read", {&setting, {}});
         }
     }
     report["databases"] = databases;
@@ -30,8 +30,9 @@ std::string showSettings(const Json& report) {
     std::vector<Row> values;
     for (const auto& [name, entry] : report["settings"].items()) {
         if (const bool isStored = entry["stored"] == true; !entry["value"].is_null()) {
-            values.push_back(
-                {name, {isStored ? "stored" : "default", isStored ? kGreen : kDim}, textOf(entry)});
+            values.push_back({name,
+                              {isStored ? "stored" : "default", isStored ? kGreen : kDim},
+                              Cell(shownOf(entry))});
         }
     }
     std::vector<Row> lists;

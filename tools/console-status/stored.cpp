@@ -23,8 +23,8 @@ Json encodedValue(const Setting& setting, const Json& value) {
 Json entryOf(const Place& place, const Json& value) {
     const auto& [setting, node] = place;
     Json entry = {{"name", setting->name}};
-    if (setting->isList()) {
-        entry["node"] = encodedText(node);
+    if (node) {
+        entry["node"] = encodedText(*node);
     }
     if (!value.is_null()) {
         entry["value"] = value.is_discarded() ? Json() : encodedValue(*setting, value);
@@ -41,17 +41,20 @@ std::string valueText(const Setting& setting, const Json& value) {
 }  // namespace
 
 Stored readStored() {
+    Json report;
+    kSettingsSection.read(report, nullptr);
+    for (const Json& database : report["databases"]) {
+        if (const Json& error = database["error"]; !error.is_null()) {
+            throw std::runtime_error(error);
+        }
+    }
     Stored stored;
     for (const Setting& setting : kSettings) {
-        const Json entry = readSetting(setting, troubleOf(*setting.database).is_null());
-        if (entry.front().is_null()) {
-            throw std::runtime_error("can't read " + setting.name + " " +
-                                     whyFailed(*setting.database));
+        const Json& entry = report[setting.isList() ? "lists" : "settings"][setting.name];
+        if (entry.value("stored", false)) {
+            stored[{&setting, {}}] = entry["value"];
         }
-        if (!setting.isList() && entry["stored"] == true) {
-            stored[{&setting, ""}] = entry["value"];
-        }
-        for (const Json& node : setting.isList() ? entry["nodes"] : Json()) {
+        for (const Json& node : entry.value("nodes", Json())) {
             stored[{&setting, node["node"]}] = node["stored"] == true ? node["value"] : Json();
         }
     }
@@ -62,13 +65,9 @@ Json valueAt(const Stored& stored, const Place& place) {
     return stored.contains(place) ? stored.at(place) : Json(Json::value_t::discarded);
 }
 
-std::string nameOf(const Place& place) {
-    return place.first->name + (place.first->isList() ? " " + quoted(place.second) : "");
-}
-
 std::string changeText(const Place& place, const Json& before, const Json& after) {
-    return Cell(nameOf(place)).text + ": " + valueText(*place.first, before) + " -> " +
-           valueText(*place.first, after) + "\n";
+    return Cell(nameOf(place)).text + ": " + valueText(*place.setting, before) + " -> " +
+           valueText(*place.setting, after) + "\n";
 }
 
 std::string readChanges(Stored& stored, bool asJson) {
@@ -97,7 +96,7 @@ int showStored(const Arguments& arguments) {
         const auto& [setting, node] = place;
         if (setting->isList() || what != "list") {
             entries.push_back(entryOf(place, value));
-            rows.push_back({setting->name, node, valueText(*setting, value)});
+            rows.push_back({setting->name, node.value_or(""), valueText(*setting, value)});
         }
     }
     const bool asJson = what == "export" || arguments.has('j');

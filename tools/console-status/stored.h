@@ -2,21 +2,16 @@
 #pragma once
 
 #include <map>
-#include <utility>
 
 #include "setting.h"
 
-using Place = std::pair<const Setting*, std::string>;  // a list's with a node
-using Stored = std::map<Place, Json>;                  // null for a node without a value
+using Stored = std::map<Place, Json>;  // null for a node without a value
 
 // Throws std::runtime_error if something can't be read.
 Stored readStored();
 
 // Returns a discarded value if nothing is stored.
 Json valueAt(const Stored& stored, const Place& place);
-
-// "HomeScreenIcon 'map'".
-std::string nameOf(const Place& place);
 
 // "HomeScreenIcon 'map': - -> /m".
 std::string changeText(const Place& place, const Json& before, const Json& after);

@@ -1,5 +1,4 @@
 #include <console-manager/wifi.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,8 +9,8 @@
 #include <memory>
 #include <sstream>
 
-#include "child.h"
 #include "commands.h"
+#include "messages.h"
 #include "report.h"
 #include "table.h"
 
@@ -41,16 +40,17 @@ Json sent(const Value& value, const Value& unsent) {
 }
 
 // Without a link there are no figures.
-Json linkOf(const wifi_station_record& station) {
-    if (!isJoined(station.status)) {
-        return {{"connected", false}};
-    }
-    return {{"connected", true},
-            {"ssid", orNull(station.ssid)},
-            {"bssid", bssidText(station.bssid)},
-            {"signal_dbm", sent(station.signal_dbm, kUnsentLink.signal_dbm)},
-            {"rx_packets", sent(station.rx_packets, kUnsentLink.rx_packets)},
-            {"tx_packets", sent(station.tx_packets, kUnsentLink.tx_packets)}};
+Json linkOf(const std::string& port, const wifi_station_record& station) {
+    const bool connected = isJoined(station.status);
+    const wifi_station_record& known = connected ? station : kUnsentLink;
+    return {{"port", port},
+            {"connected", connected},
+            {"ssid", orNull(known.ssid)},
+            {"bssid", connected ? Json(bssidText(known.bssid)) : Json()},
+            {"signal_dbm", sent(known.signal_dbm, kUnsentLink.signal_dbm)},
+            {"rx_packets", sent(known.rx_packets, kUnsentLink.rx_packets)},
+            {"tx_packets", sent(known.tx_packets, kUnsentLink.tx_packets)},
+            {"error", nullptr}};
 }
 
 // Reads a link in a child process, because most failures of Wi-Fi end the process. The child's JSON
@@ -60,21 +60,19 @@ Json readLink(const std::string& port) {
         wifi_station_record station = kUnsentLink;
         if (wifi_data* const wifi = wifi_scan_init(port.c_str()); wifi != nullptr) {
             wifi_scan_station(wifi, &station);
-            std::fprintf(stderr, "\n%s", jsonText(linkOf(station), -1).c_str());
+            std::fprintf(stderr, "\n%s", jsonText(linkOf(port, station), -1).c_str());
         }
     }));
     std::string last = "no answer";
     for (std::string line; std::getline(said, line);) {
         last = line.empty() ? last : line;
     }
-    Json state = {{"port", port}};
-    for (const char* const key :
-         {"connected", "ssid", "bssid", "signal_dbm", "rx_packets", "tx_packets", "error"}) {
-        state[key] = nullptr;
+    Json link = Json::parse(last, nullptr, false);
+    if (!link.is_object()) {
+        link = linkOf(port, kUnsentLink);
+        link.update({{"connected", nullptr}, {"error", last}});
     }
-    const Json link = Json::parse(last, nullptr, false);
-    state.update(link.is_object() ? link : Json{{"error", last}});
-    return state;
+    return link;
 }
 
 // A bar from -100 dBm to -50 dBm, and the figure.
@@ -161,12 +159,10 @@ int scanWifi(const Arguments& arguments) {
     if (!wifi) {
         return kFailed;
     }
-    // The cursor goes back, so that a message of the library overwrites the line.
-    const bool visible = isatty(STDERR_FILENO) == 1;
-    std::fputs(visible ? "Scanning...\r" : "", stderr);
+    showProgress("Scanning...");
     std::vector<wifi_bss_record> records(kMostNetworks, kUnsent);
     const int32_t count = wifi_scan_all(wifi.get(), records.data(), kMostNetworks);
-    std::fputs(visible ? "           \r" : "", stderr);
+    showProgress("");
     if (count < 0) {
         return fail("can't scan with " + port +
                     ": it is down or not wireless, its radio is busy, its scan was given up, or "

@@ -1,8 +1,7 @@
-#include "child.h"
+#include "messages.h"
 
 #include <sys/mman.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>

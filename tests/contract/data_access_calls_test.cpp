@@ -271,14 +271,12 @@ TEST_P(EachSetting, MakesItsCallsAndReturnsTheirResults) {
 INSTANTIATE_TEST_SUITE_P(Settings, EachSetting, testing::ValuesIn(kSettings),
                          testing::PrintToStringParamName());
 
-// Repeats the text for each list, whose name replaces @.
+// Repeats the text for each list, in the order of kSettings. The list's name replaces @.
 std::string forEachList(const std::string& pattern) {
     std::string all;
-    for (const char* list :
-         {"browser_destination_hide_list", "browser_information_hide_list", "home_screen_icons",
-          "qor_hot_key_select_list", "icons_menu_favourites"}) {
-        for (const char c : pattern) {
-            all += c == '@' ? list : std::string(1, c);
+    for (const Setting& setting : kSettings) {
+        for (const char c : setting.list.empty() ? "" : pattern) {
+            all += c == '@' ? setting.list : std::string(1, c);
         }
     }
     return all;

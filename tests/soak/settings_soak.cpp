@@ -270,7 +270,8 @@ void copyBackup() {
 void fillLog() {
     inProcess(settings);
     std::filesystem::copy_file(kFile, "/mnt/test/main");
-    EXPECT_EQ(query("/mnt/test/main", "SELECT count(*) FROM sqlite_master WHERE sql > ''"), "11");
+    const std::string tables = "SELECT count(*) FROM sqlite_master WHERE sql > ''";
+    EXPECT_EQ(query("/mnt/test/main", tables), query(kFile, tables));
     inProcess([] {
         for (int i = 0; i < 10'000; ++i) {
             i % 2 == 0 ? setTimeout(i) : setIcon(std::to_string(i % 99), i);

@@ -47,7 +47,8 @@ void Sandbox::bindFile(const std::string& target, std::string_view content) {
     static int number = 0;
     const std::string source = "/mnt/test/bound-" + std::to_string(++number);
     writeFile(source, content);
-    ASSERT_EQ(mount(source.c_str(), target.c_str(), "none", MS_BIND, nullptr), 0) << target;
+    ASSERT_EQ(mount(source.c_str(), target.c_str(), "none", MS_BIND, nullptr), 0)
+        << target << ": " << std::strerror(errno);
 }
 
 void Sandbox::putProgram(const std::string& name, std::string_view script) {

@@ -131,9 +131,9 @@ int32_t wifi_scan_all(wifi_data* wifi, wifi_bss_record* records, int32_t capacit
  * @param[in,out] station The caller's record, not null. bssid, ssid and status are those of the
  *        network that the port belongs to. If it belongs to none they are those of the first in the
  *        list, with a status other than CML_BSS_STATUS_ASSOCIATED and CML_BSS_STATUS_IBSS_JOINED. A
- *        mesh port always gets the first in the list. The four figures of the link are written as
- *        far as the kernel sends them. It sends none without a link to an access point, so also not
- *        in an IBSS or a mesh. A figure that wasn't sent keeps what the record held: set it to zero
+ *        mesh port always gets the first in the list. The figures of the link are written as far
+ *        as the kernel sends them. It sends none without a link to an access point, so also not in
+ *        an IBSS or a mesh. A figure that wasn't sent keeps what the record held: set it to zero
  *        before the call.
  * @return 1, or 0 if the list is empty or can't be read, as for a wired port; the record stays
  *         unchanged then.

@@ -342,7 +342,7 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
     const Datagrams dump = networks("1 2:1 3"), changed = {networks("3:1")[0], interrupted()};
     struct Case {
         Datagrams dump, answer;
-        // Result, end of the BSSID, SSID, status and the four figures; SSID and three of them.
+        // Result, end of the BSSID, SSID, status and the figures; SSID and three of them.
         std::string expected;
         std::string words = "";  // on stderr, of each
         std::deque<Datagrams> earlier = {};

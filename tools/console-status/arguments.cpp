@@ -109,13 +109,8 @@ std::optional<int> numberOf(const std::string& text) {
 }
 
 std::string suggestion(const std::string& given, const std::vector<std::string>& names) {
-    size_t least = (given.size() + 3) / 2;  // half of it may be wrong
-    std::string closest;
-    for (const std::string& name : names) {
-        if (const size_t far = distance(given, name); far < least) {
-            least = far;
-            closest = name;
-        }
-    }
-    return closest.empty() ? "" : "; did you mean " + closest + "?";
+    const auto far = [&](const std::string& name) { return distance(given, name); };
+    const auto closest = std::ranges::min_element(names, {}, far);
+    const size_t most = (given.size() + 1) / 2;  // half of it may be wrong
+    return closest == names.end() || far(*closest) > most ? "" : "; did you mean " + *closest + "?";
 }

@@ -56,12 +56,7 @@ std::string sample(const Metric& metric, const Json& object) {
 }  // namespace
 
 int printMetrics(const Arguments& arguments) {
-    Json report;
-    const Json ports = portNames();
-    for (const Section* section :
-         {&kSoftwareSection, &kLoadSection, &kPortsSection, &kWifiSection}) {
-        section->read(report, ports);
-    }
+    Json report = readAll({&kSoftwareSection, &kLoadSection, &kPortsSection, &kWifiSection});
     Json& storage = report["device"]["storage"];
     if (storage["used_bytes"].is_null()) {
         storage["total_bytes"] = nullptr;  // the size or more
@@ -81,5 +76,5 @@ int printMetrics(const Arguments& arguments) {
         }
     }
     writeOutput(arguments, text);
-    return ports.is_null() ? kFailed : kDone;
+    return report["ports"].is_null() ? kFailed : kDone;
 }

@@ -26,10 +26,10 @@ void writeOutput(const Arguments& arguments, const std::string& text) {
     errno = file >= 0 ? ENOSPC : errno;  // why a write ends early without an error
     const bool isDone = file >= 0 && write(file, text.data(), text.size()) == std::ssize(text) &&
                         fsync(file) == 0 && rename(temporary.c_str(), path.c_str()) == 0;
-    const std::system_error error(errno, std::generic_category(), "cannot write " + quoted(path));
+    const int error = errno;
     close(file);
     if (!isDone) {
         unlink(temporary.c_str());
-        throw error;
+        throw std::system_error(error, std::generic_category(), "cannot write " + quoted(path));
     }
 }

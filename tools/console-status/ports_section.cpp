@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr size_t kMany = 20;  // ports, of which the progress is shown
-
 // 0 from the library means no traffic, 2 GiB or more, or a failure.
 Json counted(int32_t bytes) {
     return bytes == 0 ? Json() : Json(bytes);
@@ -61,23 +59,14 @@ Row frontOf(const Json& port) {
             known ? address.text + "/" + std::to_string(std::popcount(mask.s_addr)) : address};
 }
 
-Cell trafficCell(const Json& bytes) {
-    return bytes.is_null() ? Cell("0 or >2GiB", kDim) : Cell(sizeText(bytes));
-}
-
-Cell rateCell(const Json& rate) {
-    return rate.is_null() ? Cell(rate) : Cell(sizeText(rate) + "/s");
+Cell sizeCell(const Json& bytes, const char* unit, const char* unknown) {
+    return bytes.is_null() ? Cell(unknown, kDim) : Cell(sizeText(bytes) + unit);
 }
 
 void readPorts(Json& report, const Json& ports) {
     Json& states = report["ports"] = ports;
-    const size_t all = ports.size();
-    for (size_t i = 0; i < all; ++i) {
-        states[i] = readPort(ports[i].get_ref<const std::string&>().c_str());
-        if (all >= kMany) {
-            const std::string done = std::to_string(i + 1) + " of " + std::to_string(all);
-            showProgress(i + 1 < all ? "Read " + done + " ports" : "");
-        }
+    for (Json& port : states) {
+        port = readPort(port.get<std::string>().c_str());
     }
 }
 
@@ -88,11 +77,12 @@ std::string showPorts(const Json& report) {
     for (const Json& port : ports) {
         Row& row = rows.emplace_back(frontOf(port));
         const Row back =
-            watched ? Row{rateCell(port["rx_bytes_per_second"]),
-                          rateCell(port["tx_bytes_per_second"]), sparkline(port["history"])}
-                    : Row{Cell(port["ipv4_gateway"]), trafficCell(port["rx_bytes"]),
-                          trafficCell(port["tx_bytes"]), Cell(port["mac_address"]),
-                          Cell(port["ipv6_address"])};
+            watched
+                ? Row{sizeCell(port["rx_bytes_per_second"], "/s", "-"),
+                      sizeCell(port["tx_bytes_per_second"], "/s", "-"), sparkline(port["history"])}
+                : Row{Cell(port["ipv4_gateway"]), sizeCell(port["rx_bytes"], "", "0 or >2GiB"),
+                      sizeCell(port["tx_bytes"], "", "0 or >2GiB"), Cell(port["mac_address"]),
+                      Cell(port["ipv6_address"])};
         row.insert(row.end(), back.begin(), back.end());
     }
     const Names now = {"Port", "State", "IPv4", ">In", ">Out", "Trend"};

@@ -16,7 +16,6 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Sections = std::vector<const Section*>;
 
 constexpr size_t kMostHistory = 20;
 
@@ -30,20 +29,6 @@ Sections sectionsOf(const Arguments& arguments) {
                                        : section->name != arguments.words[0];
     });
     return sections;
-}
-
-// Reads the sections, and prints each as soon as it is read if isShown.
-Json readAll(const Sections& sections, Json ports, bool isShown = false) {
-    Json report;
-    for (const Section* section : sections) {
-        if (section->usesPorts && ports.is_null()) {
-            ports = portNames();
-        }
-        section->read(report, ports);
-        print(isShown ? section->show(report) : "");
-        std::fflush(stdout);
-    }
-    return report;
 }
 
 std::string showAll(const Sections& sections, const Json& report) {
@@ -104,12 +89,12 @@ void addPast(Json& report, Json& past, double seconds) {
 
 // Overwrites the terminal from its first line on, with as many lines as fit.
 std::string screenOf(const std::string& text) {
+    std::istringstream lines(text);
     std::string screen = "\033[H";
-    size_t left = terminalRows() - 1;
-    for (size_t start = 0, end = 0; left > 0 && start < text.size(); --left, start = end + 1) {
-        end = text.find('\n', start);
-        const bool more = left == 1 && end + 1 < text.size();
-        screen += (more ? "  ..." : text.substr(start, end - start)) + "\033[K\n";
+    std::string line;
+    for (size_t left = terminalRows() - 1; left > 0 && std::getline(lines, line); --left) {
+        const bool more = left == 1 && lines.peek() != EOF;
+        screen += (more ? "  ..." : line) + "\033[K\n";
     }
     return screen + "\033[J";
 }
@@ -177,6 +162,19 @@ std::string jsonText(const Json& json, int indent) {
     // A terminal also obeys the control characters from U+007F to U+009F.
     const bool isAscii = isTerminal();
     return json.dump(indent, ' ', isAscii, Json::error_handler_t::replace) + "\n";
+}
+
+Json readAll(const Sections& sections, Json ports, bool isShown) {
+    Json report;
+    for (const Section* section : sections) {
+        if (section->usesPorts && ports.is_null()) {
+            ports = portNames();
+        }
+        section->read(report, ports);
+        print(isShown ? section->show(report) : "");
+        std::fflush(stdout);
+    }
+    return report;
 }
 
 int reportSections(const Arguments& arguments) {

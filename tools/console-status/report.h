@@ -24,6 +24,11 @@ extern const Section kLoadSection;
 extern const Section kPortsSection;
 extern const Section kWifiSection;
 extern const Section kSettingsSection;
+using Sections = std::vector<const Section*>;
+
+// Reads the sections, and prints each as soon as it is read if isShown. Asks for the ports unless
+// they are given.
+Json readAll(const Sections& sections, Json ports = nullptr, bool isShown = false);
 
 // A time by a pattern of strftime, for which std::gmtime or std::localtime splits it.
 std::string timeText(const char* pattern, std::tm* (*split)(const std::time_t*),

@@ -1,11 +1,11 @@
 // The settings and lists of the library, one row each.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "report.h"
@@ -64,7 +64,9 @@ struct Place {
     const Setting* setting;
     std::optional<std::string> node;
 
-    auto operator<=>(const Place&) const = default;
+    bool operator<(const Place& b) const {
+        return std::tie(setting, node) < std::tie(b.setting, b.node);
+    }
     const char* id() const { return node ? node->c_str() : nullptr; }
 };
 

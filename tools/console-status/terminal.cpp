@@ -8,7 +8,6 @@
 #include <clocale>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -56,12 +55,6 @@ size_t terminalRows() {
     return rows > 0 ? rows : 24;
 }
 
-void showProgress(const std::string& text) {
-    if (isatty(STDERR_FILENO) == 1) {
-        std::fprintf(stderr, "%-30s\r", text.c_str());
-    }
-}
-
 std::string styled(const char* style, const std::string& text) {
     static const bool able = obeysSequences() && variable("NO_COLOR").empty();
     const bool plain = !able || style == nullptr || text.empty();
@@ -78,10 +71,8 @@ std::string bar(double ratio, size_t columns) {
 }
 
 std::string sparkline(const Json& figures) {
-    double highest = 1;
-    for (const Json& figure : figures) {
-        highest = figure.is_null() ? highest : std::max(highest, figure.get<double>());
-    }
+    // Null is less than any number.
+    const double highest = std::max<Json>(1, *std::ranges::max_element(figures));
     std::string text;
     for (const Json& figure : figures) {
         if (figure.is_null()) {

@@ -17,10 +17,6 @@ bool obeysSequences();
 size_t terminalColumns();
 size_t terminalRows();
 
-// Shows a message on stderr if that is a terminal. The next output overwrites it; an empty text
-// removes it.
-void showProgress(const std::string& text);
-
 // Styles, for a terminal that obeys control sequences unless NO_COLOR is set.
 constexpr const char* kBold = "1";
 constexpr const char* kDim = "2";
@@ -32,5 +28,6 @@ std::string styled(const char* style, const std::string& text);
 // A ratio from 0 to 1 as a bar. Both this and sparkline() use ASCII unless the locale is UTF-8.
 std::string bar(double ratio, size_t columns);
 
-// One block for each figure, relative to the highest or to 1; a blank for null.
+// One block for each figure, relative to the highest or to 1; a blank for null. At least one
+// figure.
 std::string sparkline(const Json& figures);

@@ -1,4 +1,5 @@
 #include <console-manager/wifi.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -159,10 +160,12 @@ int scanWifi(const Arguments& arguments) {
     if (!wifi) {
         return kFailed;
     }
-    showProgress("Scanning...");
+    // The cursor goes back, so that a message of the library overwrites the line.
+    const bool visible = isatty(STDERR_FILENO) == 1;
+    std::fputs(visible ? "Scanning...\r" : "", stderr);
     std::vector<wifi_bss_record> records(kMostNetworks, kUnsent);
     const int32_t count = wifi_scan_all(wifi.get(), records.data(), kMostNetworks);
-    showProgress("");
+    std::fputs(visible ? "           \r" : "", stderr);
     if (count < 0) {
         return fail("can't scan with " + port +
                     ": it is down or not wireless, its radio is busy, its scan was given up, or "

@@ -90,14 +90,6 @@ class Radios : public Sandbox {
     wifi_station_record station{{}, "", 7, 7, 7, 7, 7};
 };
 
-TEST(WithoutRadios, AKernelWithoutWifiEndsTheProcess) {
-    const testing::Matcher<const std::string&> line =
-        testing::MatchesRegex("CML: wifi-scan: GetFamilyAndScanId failed: .+\n");
-    CML_WifiStatus status;
-    EXPECT_EXIT(wifi_scan_init("lo"), testing::ExitedWithCode(1), line);
-    EXPECT_EXIT(CML_getWifiStatus("lo", &status), testing::ExitedWithCode(1), line);
-}
-
 TEST_F(Radios, AnswersAreThoseOfIw) {
     const std::string none = "1  0 0 0";
     EXPECT_EQ(wifiStatus("wlan0"), none) << "no network known";

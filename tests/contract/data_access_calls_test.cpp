@@ -1,7 +1,9 @@
 // Every setting: its functions, and the exact calls that they make of the data access library,
-// SQLite and the system. All of those are replaced here, and each call is noted as a line.
+// SQLite, the system and the logging libraries. All of those are replaced here, and each call is
+// noted as a line.
 #include "contracts/data_access.h"
 
+#include <array>
 #include <cctype>
 #include <concepts>
 #include <cstring>
@@ -9,15 +11,17 @@
 #include <memory>
 
 #include "console-manager/settings.h"
+#include "contracts/qor_core.h"
 #include "support/sandbox.h"
 
 static_assert(std::size(KeyPath{}.slots) == 17);
 
-static std::string calls;        // a line each
-static std::string failing;      // the line of the call that fails
-constexpr int32_t kAnswer = 77;  // of a call on an item
-static std::string kept;         // what a getter of a text delivers
-static char* nodes[1];           // of a listing
+static std::string calls;                         // a line each
+static std::string failing;                       // the line of the call that fails
+constexpr int32_t kAnswer = 77;                   // of a call on an item
+static std::string kept;                          // what a getter of a text delivers
+static char* nodes[1];                            // of a listing
+static std::array<TDL_LoggerRecord*, 2> loggers;  // in the order in which they are returned
 
 // An argument as text; a connection is replaced by its name. Also stores what a getter delivers.
 struct Shown {
@@ -79,6 +83,19 @@ int sqlite3_open(const char* path, sqlite3** db) {
 }
 int system(const char* command) { return note(0, "system", {command}); }
 // clang-format on
+
+TDL_LoggerRecord* TDL_logger() {
+    std::swap(loggers[0], loggers[1]);
+    return loggers[1];
+}
+
+void qor_logger_print3(TDL_LoggerRecord* logger, int level, int a, int b, int c, int d,
+                       const char* format, va_list arguments) {
+    char text[100];
+    std::vsnprintf(text, sizeof text, format, arguments);
+    const uint32_t number = logger == nullptr ? 0 : logger->reserved;
+    note(0, "print", {number, level, a, b, c, d, static_cast<const char*>(text)});
+}
 
 namespace {
 
@@ -294,29 +311,57 @@ const std::string kDeleting =
     "ExecuteQuery persistent BEGIN TRANSACTION;\n" + forEachList(
     "ExecuteQuery persistent DELETE FROM tbl_@;\n") +
     "DeleteFlatKeyTable persistent\n"
-    "ExecuteQuery persistent COMMIT;\n"
+    "ExecuteQuery persistent COMMIT;\n";
+const std::string kOpeningVolatile =
     "system mkdir -p /tmp/m7/\n"
     "sqlite3_open /tmp/m7/console-manager.db\n"
     "SetDBConfiguration volatile\n"
-    "CreateFlatKeyTable volatile\n"
+    "CreateFlatKeyTable volatile\n";
+const std::string kDeletingVolatile =
     "ExecuteQuery volatile BEGIN TRANSACTION;\n"
     "DeleteFlatKeyTable volatile\n"
     "ExecuteQuery volatile COMMIT;\n";
 // clang-format on
 
 TEST(DataAccessCalls, OfTheFirstUseAlsoIfItFailsAndOfDeletingAll) {
+    TDL_LoggerRecord silent{1, ~TDL_FLAG_DATABASE_MESSAGES}, enabled{2, TDL_FLAG_DATABASE_MESSAGES};
+    // The loggers, and the number of the one that is printed to.
+    const std::pair<decltype(loggers), std::string> loggings[] = {
+        {{&enabled, nullptr}, "0"}, {{nullptr, &silent}, "1"}, {{&silent, &enabled}, ""}};
     for (size_t line = kOpening.find("sqlite3_open"); line < kOpening.size();
          line += failing.size()) {
-        calls.clear();
         failing = kOpening.substr(line, kOpening.find('\n', line) + 1 - line);
-        EXPECT_EQ(DAL_CML_deleteLanguage(), kAnswer);
-        EXPECT_EQ(calls, kOpening.substr(0, line + failing.size()) +
-                             "sqlite3_close persistent\ndeleteItem null dal_key language\n");
+        const std::string opening = kOpening.substr(0, line + failing.size()),
+                          verb = failing.starts_with("sqlite3_open") ? "open" : "initialise",
+                          message = " 2 0 0 0 0 Unable to " + verb +
+                                    " /mnt/vex-data/m7/console-manager.db\n";
+        for (const auto& [records, printed] : loggings) {
+            loggers = records;
+            calls.clear();
+            EXPECT_EQ(DAL_CML_deleteLanguage(), kAnswer);
+            EXPECT_EQ(calls, opening + (printed.empty() ? "" : "print " + printed + message) +
+                                 "sqlite3_close persistent\ndeleteItem null dal_key language\n");
+        }
     }
+    loggers = {};
+    calls.clear();
+    failing = "CreateFlatKeyTable volatile\n";
+    EXPECT_EQ(DAL_CML_deleteAll(), 1);
+    EXPECT_EQ(calls, kOpening + kDeleting + kOpeningVolatile +
+                         "print 0 2 0 0 0 0 Unable to initialise "
+                         "/tmp/m7/console-manager.db\nsqlite3_close volatile\n");
     calls.clear();
     failing = "DeleteFlatKeyTable persistent\n";
     EXPECT_EQ(DAL_CML_deleteAll(), 0);
-    EXPECT_EQ(calls, kOpening + kDeleting);
+    EXPECT_EQ(calls, kDeleting + kOpeningVolatile + kDeletingVolatile);
+}
+
+TEST(DataAccessCalls, OfDeletingAllWithoutThePersistentDatabase) {
+    failing = "SetDBConfiguration persistent\n";
+    EXPECT_EQ(DAL_CML_deleteAll(), 1);
+    EXPECT_TRUE(
+        calls.ends_with("sqlite3_close persistent\n" + kOpeningVolatile + kDeletingVolatile))
+        << calls;
 }
 
 }  // namespace

@@ -312,10 +312,13 @@ std::vector<Call> functionCalls() {
 }
 
 void Calls::change(const std::string& what, const std::string& content) {
-    if (what.empty()) {
+    if (what.starts_with('/')) {
+        bindFile(what, content);
+    } else if (what.empty()) {
         run(content);
     } else {
-        what.starts_with('/') ? bindFile(what, content) : putProgram(what, content);
+        writeFile("/mnt/test/bin/" + what, "#!/bin/sh\n" + content + "\n");
+        run("chmod +x /mnt/test/bin/" + what);
     }
 }
 

@@ -9,7 +9,6 @@
 #include <linux/genetlink.h>
 #include <linux/nl80211.h>
 #include <net/if.h>
-#include <sys/socket.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -29,13 +28,15 @@ using Datagrams = std::deque<std::string>;
 // Messages of the kernel.
 namespace nl80211 {
 
+using namespace std::string_literals;
+
 constexpr uint16_t kFamily = 28;
 constexpr uint32_t kOfRequest = 0xffffffff;  // replaced by the sequence and port of the request
 
 inline std::string message(uint16_t type, Text payload, uint16_t flags = 0,
                            uint32_t sequence = kOfRequest, uint32_t port = kOfRequest) {
-    const auto length = static_cast<uint32_t>(sizeof(nlmsghdr) + payload.size());
-    return bytes(nlmsghdr{length, type, flags, sequence, port}) + payload;
+    return u32(sizeof(nlmsghdr) + payload.size()) + u16(type) + u16(flags) + u32(sequence) +
+           u32(port) + payload;
 }
 inline std::string reply(uint8_t command, Text attributes, uint16_t type = kFamily) {
     return message(type, bytes(genlmsghdr{command, 1, 0}) + attributes);
@@ -64,7 +65,7 @@ inline std::string group(Text name, Text id) {
         1, attribute(CTRL_ATTR_MCAST_GRP_ID, id) + attribute(CTRL_ATTR_MCAST_GRP_NAME, name));
 }
 
-// One network of a scan, from the attributes of its BSS, and the figures of a link.
+// One network of a scan, from the attributes of its BSS, and a link, from its figures.
 inline std::string network(Text bss) {
     return reply(NL80211_CMD_NEW_SCAN_RESULTS,
                  attribute(NL80211_ATTR_IFINDEX, u32(7)) + attribute(NL80211_ATTR_BSS, bss));
@@ -72,11 +73,17 @@ inline std::string network(Text bss) {
 inline std::string station(Text info) {
     return reply(NL80211_CMD_NEW_STATION, attribute(NL80211_ATTR_STA_INFO, info));
 }
+inline std::string station(int signal, uint32_t received, uint32_t sent) {
+    return station(attribute(NL80211_STA_INFO_SIGNAL, u8(signal)) +
+                   attribute(NL80211_STA_INFO_SIGNAL_AVG, u8(signal - 1)) +
+                   attribute(NL80211_STA_INFO_RX_PACKETS, u32(received)) +
+                   attribute(NL80211_STA_INFO_TX_PACKETS, u32(sent)));
+}
 
 constexpr auto elements = [](Text all) { return attribute(NL80211_BSS_INFORMATION_ELEMENTS, all); };
 
 inline std::string ssid(Text name) {
-    return elements('\0' + u8(static_cast<uint8_t>(name.size())) + name + "\x01\x01\x02");
+    return elements('\0' + u8(name.size()) + name + "\x01\x01\x02");
 }
 
 // A dump of networks by number, each with its status after a colon if it has one: "1 2:1 3". All
@@ -85,13 +92,12 @@ inline Datagrams networks(Text list) {
     Datagrams dump;
     std::istringstream words(list);
     for (std::string word; words >> word;) {
-        const auto id = static_cast<uint32_t>(word[0] - '0');
-        const auto status = static_cast<uint32_t>(word.back() - '0');
+        const int id = word[0] - '0';
         dump.push_back(network(
-            attribute(NL80211_BSS_BSSID, "\2\2\2\2\2" + u8(static_cast<uint8_t>(id))) +
+            attribute(NL80211_BSS_BSSID, "\2\2\2\2\2" + u8(id)) +
             attribute(NL80211_BSS_FREQUENCY, u32(2400 + id)) + ssid("net" + word.substr(0, 1)) +
-            (word.size() > 1 ? attribute(NL80211_BSS_STATUS, u32(status)) : "") +
-            attribute(NL80211_BSS_SIGNAL_MBM, u32(0 - 100 * id)) +
+            (word.size() > 1 ? attribute(NL80211_BSS_STATUS, u32(word.back() - '0')) : "") +
+            attribute(NL80211_BSS_SIGNAL_MBM, u32(-100 * id)) +
             attribute(NL80211_BSS_SEEN_MS_AGO, u32(id))));
     }
     dump.push_back(done());
@@ -128,11 +134,9 @@ inline struct Nl80211Kernel {
     void reset() {
         using namespace nl80211;
         *this = {};
-        on[CTRL_CMD_GETFAMILY] = {
-            family(group(std::string("scan\0", 5), u32(5)) +
-                   group(std::string("scan\0", 5), u32(6)) +
-                   group(std::string("scans\0", 6), u32(8)) + group("scan", u32(9))),
-            acknowledgement()};
+        on[CTRL_CMD_GETFAMILY] = {family(group("scan\0"s, u32(5)) + group("scan\0"s, u32(6)) +
+                                         group("scans\0"s, u32(8)) + group("scan", u32(9))),
+                                  acknowledgement()};
         on[NL80211_CMD_TRIGGER_SCAN] = {acknowledgement()};
         on[NL80211_CMD_GET_SCAN] = {done()};
         on[NL80211_CMD_GET_STATION] = {acknowledgement()};
@@ -153,10 +157,8 @@ mnl_socket* mnl_socket_open(int bus) {
     return fails ? nullptr : mnl_socket_open2(bus, 0);
 }
 
-int mnl_socket_bind(mnl_socket* socket, unsigned groups, pid_t port) {
-    // By now no program that the process starts may inherit the socket.
-    const bool isOwn = fcntl(mnl_socket_get_fd(socket), F_GETFD) == FD_CLOEXEC;
-    return kernel.fails("mnl_socket_bind") || groups != 0 || port != 0 || !isOwn ? -1 : 0;
+int mnl_socket_bind(mnl_socket*, unsigned groups, pid_t port) {
+    return kernel.fails("mnl_socket_bind") || groups != 0 || port != 0 ? -1 : 0;
 }
 
 unsigned mnl_socket_get_portid(const mnl_socket* socket) {

@@ -20,12 +20,7 @@
         dump.push_front(network(attribute(NL80211_BSS_BSSID, "\2\2\2\2\2\5")));
     }
     kernel.on[NL80211_CMD_GET_STATION] = {
-        station(signal == nullptr ? ""
-                                  : attribute(NL80211_STA_INFO_SIGNAL,
-                                              u8(static_cast<uint8_t>(std::atoi(signal)))) +
-                                        attribute(NL80211_STA_INFO_RX_PACKETS, u32(8)) +
-                                        attribute(NL80211_STA_INFO_TX_PACKETS, u32(9))),
-        acknowledgement()};
+        signal == nullptr ? station("") : station(std::atoi(signal), 8, 9), acknowledgement()};
     kernel.later = {notification(NL80211_CMD_NEW_SCAN_RESULTS)};
     return true;
 }();

@@ -2,7 +2,6 @@
 
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -49,12 +48,6 @@ void Sandbox::bindFile(const std::string& target, std::string_view content) {
     writeFile(source, content);
     ASSERT_EQ(mount(source.c_str(), target.c_str(), "none", MS_BIND, nullptr), 0)
         << target << ": " << std::strerror(errno);
-}
-
-void Sandbox::putProgram(const std::string& name, std::string_view script) {
-    const std::string path = "/mnt/test/bin/" + name;
-    writeFile(path, "#!/bin/sh\n" + std::string(script) + "\n");
-    ASSERT_EQ(chmod(path.c_str(), 0755), 0);
 }
 
 void Sandbox::addPorts() {

@@ -23,9 +23,6 @@ class Sandbox : public testing::Test {
     // replaces the content of the first.
     static void bindFile(const std::string& target, std::string_view content);
 
-    // Puts a shell script before any other program of that name.
-    static void putProgram(const std::string& name, std::string_view script);
-
     // Makes ports: wire with an address of each kind and a link to peer; lone without a link, since
     // its other end, end, is down.
     static void addPorts();

@@ -140,9 +140,13 @@ TEST_F(DataAccess, ThreadsThatOpenAtOnceWaitOnce) {
         EXPECT_NE(DAL_CML_setTheme(1), 0);
         EXPECT_LT(milliseconds - before, 12'000);
     };
+    testing::internal::CaptureStderr();
     std::thread waiting(open);
     open();
     waiting.join();
+    std::thread(open).join();  // with a message of another thread
+    EXPECT_TRUE(
+        testing::internal::GetCapturedStderr().starts_with("[2] Unable to initialise /mnt/"));
 }
 
 TEST_F(DataAccess, AJournalThatOthersReadIsChangedLater) {

@@ -1,8 +1,6 @@
 // Scanning and the state of the link against a played nl80211: requests, records and messages.
 #include "console-manager/wifi.h"
 
-#include <unistd.h>
-
 #include "support/nl80211_kernel.h"
 #include "support/sandbox.h"
 #include "wifi/handle.h"
@@ -15,7 +13,7 @@ const std::string kInvalid = "mnl_attr_validate error: Numerical result out of r
 const std::string kRefusedSsid =
     "SSID len 0 or payload not starting from 0 or payload length > 32 or payload length > "
     "length-2!\n";
-const std::string kScan("scan\0", 5);
+const std::string kScan = "scan\0"s;
 const std::string kResults = notification(NL80211_CMD_NEW_SCAN_RESULTS);
 
 // Three bytes are too few for a number, a BSSID and a nest, and too many for a byte.
@@ -29,13 +27,16 @@ const wifi_bss_record kBefore{{2, 2, 2, 2, 2, 9}, 2409, "net9", 9, -900, 9};
 std::string listOf(const wifi_bss_record (&records)[4]) {
     std::string words;
     for (const auto& r : records) {
-        const std::string id = std::to_string(r.seen_ms_ago),
-                          text = joined(int{r.bssid[0]}, int{r.bssid[5]}, r.frequency, r.ssid,
-                                        r.status, r.signal_mbm, r.seen_ms_ago),
-                          whole =
-                              joined(2, id, "240" + id, "net" + id, r.status, "-" + id + "00", id),
+        const int id = r.bssid[5];
+        const std::string text = joined(int{r.bssid[0]}, id, r.frequency, r.ssid, r.status,
+                                        r.signal_mbm, r.seen_ms_ago),
+                          whole = joined(2, id, 2400 + id, "net" + std::to_string(id), r.status,
+                                         -100 * id, id),
                           status = r.status == -1 ? "" : ":" + std::to_string(r.status);
-        words += (r.status == kBefore.status ? "-" : text == whole ? id + status : text) + " ";
+        words += (r.status == kBefore.status ? "-"
+                  : text == whole            ? std::to_string(id) + status
+                                             : text) +
+                 " ";
     }
     return words;
 }
@@ -327,13 +328,6 @@ TEST_F(Wifi, AttributesAreReadByTheirRules) {
               "7 1 10 47 21 10");
 }
 
-std::string figures(int signal, uint32_t received, uint32_t sent) {
-    return station(attribute(NL80211_STA_INFO_SIGNAL, u8(static_cast<uint8_t>(signal))) +
-                   attribute(NL80211_STA_INFO_SIGNAL_AVG, u8(static_cast<uint8_t>(signal - 1))) +
-                   attribute(NL80211_STA_INFO_RX_PACKETS, u32(received)) +
-                   attribute(NL80211_STA_INFO_TX_PACKETS, u32(sent)));
-}
-
 TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
     const std::string large(32, 'x'),
         received = attribute(NL80211_STA_INFO_RX_PACKETS, u32(7)),
@@ -353,19 +347,19 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
         {networks("1 2"), {acknowledgement(-ENOENT)}, "1 1 net1 -1 9 9 9 9;  0 0 0"},
         {{network(ssid(large)), done()}, {}, "1 0 " + large + " -1 9 9 9 9;  0 0 0"},
         {dump,
-         {figures(-60, 5, 4000000000)},
+         {station(-60, 5, 4000000000)},
          "1 2 net2 1 -60 -61 5 4000000000; net2 -60 5 4000000000"},
-        {dump, {figures(-60, 0, 1)}, "1 2 net2 1 -60 -61 0 1; net2 -60 0 1"},
-        {dump, {figures(-60, 1, 0)}, "1 2 net2 1 -60 -61 1 0; net2 -60 1 0"},
-        {dump, {figures(-60, 0, 0)}, "1 2 net2 1 -60 -61 0 0;  -60 0 0"},
-        {dump, {figures(1, 5, 5)}, "1 2 net2 1 1 0 5 5;  1 5 5"},
-        {dump, {figures(0, 5, 5)}, "1 2 net2 1 0 -1 5 5; net2 0 5 5"},
-        {dump, {figures(2, 5, 5)}, "1 2 net2 1 2 1 5 5; net2 2 5 5"},
+        {dump, {station(-60, 0, 1)}, "1 2 net2 1 -60 -61 0 1; net2 -60 0 1"},
+        {dump, {station(-60, 1, 0)}, "1 2 net2 1 -60 -61 1 0; net2 -60 1 0"},
+        {dump, {station(-60, 0, 0)}, "1 2 net2 1 -60 -61 0 0;  -60 0 0"},
+        {dump, {station(1, 5, 5)}, "1 2 net2 1 1 0 5 5;  1 5 5"},
+        {dump, {station(0, 5, 5)}, "1 2 net2 1 0 -1 5 5; net2 0 5 5"},
+        {dump, {station(2, 5, 5)}, "1 2 net2 1 2 1 5 5; net2 2 5 5"},
         {dump, {reply(19, "")}, "1 2 net2 1 9 9 9 9;  0 0 0"},
         {dump, {reply(18, nest)}, "1 2 net2 1 9 9 9 9;  0 0 0", line},
         {dump, {reply(19, faulty(21) + nest)}, "1 2 net2 1 9 9 9 9;  0 0 0", kInvalid},
         {{network(""), done()}, {}, "1 0  -1 9 9 9 9;  0 0 0", "", {changed}},
-        {networks("2:2"), {figures(5, 5, 5)}, "1 2 net2 2 5 4 5 5; net2 5 5 5", "", {changed}}};
+        {networks("2:2"), {station(5, 5, 5)}, "1 2 net2 2 5 4 5 5; net2 5 5 5", "", {changed}}};
     for (const int number : {7, 9, 10, 13}) {
         const Datagrams answer = {station(received + faulty(number) + received)};
         cases.push_back({dump, answer, "1 2 net2 1 9 9 7 9; net2 0 7 0", kInvalid});

@@ -2,8 +2,6 @@
 // own in TMPDIR. It needs nothing else from this project.
 #include "contracts/data_access.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <barrier>
 #include <climits>
@@ -11,6 +9,7 @@
 #include <set>
 #include <thread>
 
+#include "support/sandbox.h"
 #include "support/sqlite_query.h"
 
 namespace {
@@ -98,15 +97,9 @@ class DataAccessContract : public testing::Test {
         EXPECT_EQ(access.isPresent(db, &key) != 0, value != kAbsent) << access.name;
     }
 
-    // Frees the listing as its form demands.
     std::set<std::string> listed() {
-        char** const list = DAL_listProfiledNodeItems(db, &kWholeList, "az_09", 0);
-        std::set<std::string> ids;
-        for (char** id = list; *id != nullptr; free(*id++)) {
-            ids.insert(*id);
-        }
-        free(list);
-        return ids;
+        const Texts ids = take(DAL_listProfiledNodeItems(db, &kWholeList, "az_09", 0));
+        return {ids.begin(), ids.end()};
     }
 
     std::string folder = testing::TempDir() + "data-access-XXXXXX";

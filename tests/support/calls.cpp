@@ -123,8 +123,7 @@ std::vector<Call> networkCalls() {
         {"", "CML_getNetworkPortsList", "fifteen-letters,lo,lone,peer,wire,",
          {"null", "filesystem error"},
          [] { return takeList(callWithin<char**>(CML_getNetworkPortsList, 0)); },
-         {{"", onlyAFile, "bonding_masters,"},
-          {"", "rm " + net + "/*", "null"},
+         {{"", onlyAFile, "bonding_masters,"}, {"", "rm " + net + "/*", "null"},
           {"", "rmdir " + net, "filesystem error"},
           {"", "umount /sys/class", "fifteen-letters,lo,lone,peer,wire,"}}},
         {"", "CML_getNetworkPortsList_active", "lo,peer,wire,",
@@ -189,11 +188,9 @@ Call releaseText(const char* name, const char* (*ask)(), const std::string& key)
     };
     const std::string file = "/etc/os-release", twice = key + "=old\n\nno separator\n" + key;
     return {"os_release", name, "text", {"", kNoMemory}, run,
-                           {{file, key + "=\"a b\"\n", "a b"},
-                            {file, key + "=\"\"\n", ""},
-                            {file, key + "=\"\n", "\""},
-                            {file, twice + "=a=b", "a=b"},
-                            {file, key + " =x\n=nameless\n", ""}}};
+            {{file, key + "=\"a b\"\n", "a b"}, {file, key + "=\"\"\n", ""},
+             {file, key + "=\"\n", "\""}, {file, twice + "=a=b", "a=b"},
+             {file, key + " =x\n=nameless\n", ""}}};
 }
 
 // A function that returns a setting.
@@ -216,8 +213,7 @@ std::vector<Call> deviceCalls() {
          releaseInformation},
         {"", "CML_getStorageInfo", "1000 250", {"0 0", kNoMemory, "popen() failed!"},
          [] { return twoNumbers(CML_getStorageInfo); },
-         {{"df", "echo Filesystem 1K-blocks; echo /dev/data 1000 250.5 25%; exit 1",
-           "1000 250"},
+         {{"df", "echo Filesystem 1K-blocks; echo /dev/data 1000 250.5 25%; exit 1", "1000 250"},
           {"df", "printf '\\n \\n  /dev/\\t4294967295 0\\n/dev/b 3 4'", "4294967295 0"},
           {"df", "printf 'tmpfs 1 2\\n/dev 3 4\\nx/dev/a 7 8\\n'", "0 0"},
           {"df", "printf '/dev/a 5\\n/dev/b 4294967296 7\\n'", "4294967295 0"},

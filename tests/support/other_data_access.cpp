@@ -57,11 +57,11 @@ int32_t DAL_deleteProfiledItem(DB_KEY, int32_t profile) {
 
 char** DAL_listProfiledNodeItems(DB_KEY, const char* list, int32_t profile) {
     char** const ids = NEXT(DAL_listProfiledNodeItems)(db, key, list, profile);
-    size_t count = 0;
-    while (ids != nullptr && ids[count] != nullptr) {
-        ++count;
+    char** end = ids;
+    while (end != nullptr && *end != nullptr) {
+        ++end;
     }
-    std::reverse(ids, ids + count);
+    std::reverse(ids, end);
     return ids;
 }
 }

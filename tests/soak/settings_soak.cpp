@@ -310,8 +310,7 @@ const Situation kSituations[] = {
 };
 // clang-format on
 
-class Soak : public Sandbox, public testing::WithParamInterface<Situation> {
-  protected:
+struct Soak : Sandbox, testing::WithParamInterface<Situation> {
     void prepare() override {
         new (&shared) Shared();
         noSharedMappings = !GetParam().sharedMappings;

@@ -134,10 +134,9 @@ TEST_F(DataAccessContract, WithoutAConnectionAllFailsAndGettersDeliver) {
     char* text = nullptr;
     EXPECT_NE(DAL_getTypeStringMalloc(nullptr, &kPlain, &text, &word), 0);
     EXPECT_NE(DAL_getProfiledTypeStringMalloc(nullptr, &kPlain, &text, &word, 0), 0);
-    for (const auto function :
-         {DAL_SetDBConfiguration, DAL_CreateFlatKeyTable, DAL_DeleteFlatKeyTable}) {
-        EXPECT_NE(function(nullptr), 0);
-    }
+    EXPECT_NE(DAL_SetDBConfiguration(nullptr), 0);
+    EXPECT_NE(DAL_CreateFlatKeyTable(nullptr), 0);
+    EXPECT_NE(DAL_DeleteFlatKeyTable(nullptr), 0);
     EXPECT_NE(DAL_ExecuteQuery(nullptr, "BEGIN TRANSACTION;"), 0);
     EXPECT_NE(DAL_deleteProfiledNodeItem(nullptr, &kNode, 0), 0);
     EXPECT_EQ(DAL_isProfiledNodePresent(nullptr, &kNode, 0), 0);

@@ -5,16 +5,9 @@
 #include "console-manager/wifi.h"
 #include "support/nl80211_kernel.h"
 #include "support/played_exit.h"
+#include "wifi/handle.h"
 
 namespace {
-
-// Calls the library, which may call exit.
-void tryCall(auto call) {
-    try {
-        within(call);
-    } catch (const Ended&) {
-    }
-}
 
 // The input is a sequence of pieces: a byte for the place, one for a quarter of the length, and the
 // bytes. They are put into a message or nest, or used as they are.
@@ -48,12 +41,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // On the heap, where the sanitizer sees a write beyond the end.
     const auto records = std::make_unique<wifi_bss_record[]>(2);
     const auto station = std::make_unique<wifi_station_record>();
-    wifi_data* wifi = nullptr;
-    tryCall([&] { wifi = wifi_scan_init("wlan7"); });
-    if (wifi != nullptr) {
-        tryCall([&] { wifi_scan_all(wifi, records.get(), 2); });
-        tryCall([&] { wifi_scan_station(wifi, station.get()); });
-        wifi_scan_close(wifi);
+    try {
+        const Within library(true);
+        const Handle wifi(wifi_scan_init("wlan7"));
+        if (wifi) {
+            wifi_scan_station(wifi.get(), station.get());
+            wifi_scan_all(wifi.get(), records.get(), 2);
+        }
+    } catch (const Ended&) {
     }
     // Names end within their 33 bytes.
     if (strnlen(records[0].ssid, 33) == 33 || strnlen(records[1].ssid, 33) == 33 ||

@@ -3,7 +3,6 @@
 #include <sys/utsname.h>
 
 #include <cmath>
-#include <filesystem>
 
 #include "console-manager/device.h"
 #include "console-manager/network.h"
@@ -99,11 +98,6 @@ std::string hostAvailable() {
                   CML_getHostAvailable("host", -1, nullptr));
 }
 
-int32_t trafficOfWire(int32_t* received, int32_t* sent) {
-    CML_getNetworkPortInfo("wire", received, sent);
-    return 0;
-}
-
 // A function that returns a text of a port; the text of an unknown port is empty.
 Call portText(const char* name, const char* (*ask)(const char*), const std::string& good,
               const std::vector<Situation>& situations = {}) {
@@ -147,7 +141,8 @@ std::vector<Call> networkCalls() {
             {"", "ip route add 203.0.113.0/24 via 192.0.2.2 dev wire", "192.0.2.2"},
             {"", "seq 200 | sed 's,.*,route add 10.0.&.0/24 dev lo,' | ip -batch -", ""}}),
         {"", "CML_getNetworkPortInfo", "12 34", {"0 34", "12 0", kNoMemory},
-         [] { return twoNumbers(trafficOfWire); },
+         [] { return twoNumbers<int32_t>([](int32_t* received, int32_t* sent) {
+             return CML_getNetworkPortInfo("wire", received, sent), 0; }); },
          {{counters + "rx_bytes", " 2147483647 12\n", "2147483647 34"},
           {counters + "tx_bytes", "18446744073709551615\n", "2147483647 0"},
           {counters + "rx_bytes", "many", "0 0"}}},
@@ -202,7 +197,6 @@ Call releaseText(const char* name, const char* (*ask)(), const std::string& key)
 
 std::vector<Call> deviceCalls() {
     const std::string stat = "/proc/stat", memory = "/proc/meminfo", uptime = "/proc/uptime";
-    const auto restore = [] { return callWithin<void>(CML_restoreDisplayBrightness), ""; };
     return {
         releaseText(NAMED(CML_getBuildType), "BUILD_MODE"),
         releaseText(NAMED(CML_getProductID), "ID"),
@@ -243,7 +237,8 @@ std::vector<Call> deviceCalls() {
         {"", "CML_getUpTime", "12345.67", {"0", kNoMemory},
          [] { return joined(callWithin<long double>(CML_getUpTime)); },
          {{uptime, "1.234.567 2", "1.234"}, {uptime, "1e+3 2", "1000"}, {uptime, "", "0"}}},
-        {"", "CML_restoreDisplayBrightness", "", {}, restore},
+        {"", "CML_restoreDisplayBrightness", "", {},
+         [] { return callWithin<void>(CML_restoreDisplayBrightness), ""; }},
         RETURNS(AllowDriverToAdjustBrightness, 1, "0"),
         RETURNS(DisplayInactivityTimeout, -2, "15"),
         RETURNS(DisplayOffTimeout, 2147483647, "30"),
@@ -292,10 +287,9 @@ std::vector<Call> wifiCalls() {
 std::string Call::result() const {
     try {
         return run();
-    } catch (const std::filesystem::filesystem_error&) {
-        return "filesystem error";
     } catch (const std::exception& failure) {
-        return failure.what();
+        const std::string text = failure.what();
+        return text.substr(0, text.find(": "));
     }
 }
 

@@ -21,7 +21,7 @@ struct Call {
     std::function<std::string()> run;  // only the function itself is called within()
     std::vector<Situation> situations = {};
 
-    // The text of an exception counts as a result.
+    // The text of an exception, up to a colon, counts as a result.
     std::string result() const;
     friend void PrintTo(const Call& call, std::ostream* out) { *out << call.name; }
 };

@@ -28,8 +28,7 @@ auto within(const auto& call, auto... arguments) {
 // The same for a function of exactly this type.
 template <typename Result, typename... Arguments>
 Result callWithin(Result (*function)(Arguments...), Arguments... arguments) {
-    const Within library(true);
-    return function(arguments...);
+    return within(function, arguments...);
 }
 
 inline struct Fault {

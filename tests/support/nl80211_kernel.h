@@ -10,10 +10,8 @@
 #include <linux/nl80211.h>
 #include <net/if.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <deque>
-#include <iterator>
 #include <map>
 #include <span>
 #include <sstream>
@@ -125,7 +123,6 @@ inline struct Nl80211Kernel {
     // their commands, as "33 32 ".
     std::vector<std::string> sent;
     std::string commands;
-    uint32_t joinedGroup = 0;
     const mnl_socket* notifying = nullptr;  // the first socket of a handle that sends
     Datagrams replies;                      // to the requests
 
@@ -166,12 +163,9 @@ unsigned mnl_socket_get_portid(const mnl_socket* socket) {
 }
 
 int mnl_socket_setsockopt(const mnl_socket* socket, int option, void* value, socklen_t length) {
-    if (kernel.fails("mnl_socket_setsockopt") || socket != kernel.notifying ||
-        option != NETLINK_ADD_MEMBERSHIP || length != sizeof kernel.joinedGroup) {
-        return -1;
-    }
-    std::memcpy(&kernel.joinedGroup, value, sizeof kernel.joinedGroup);
-    return 0;
+    const bool joins = socket == kernel.notifying && option == NETLINK_ADD_MEMBERSHIP &&
+                       std::string(static_cast<const char*>(value), length) == u32(6);
+    return kernel.fails("mnl_socket_setsockopt") || !joins ? -1 : 0;
 }
 
 // Queues the reply to the request, with its sequence and port.
@@ -193,7 +187,8 @@ ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* data, size_t siz
         reply = kernel.dumps.front();
         kernel.dumps.pop_front();
     } else if (command == NL80211_CMD_TRIGGER_SCAN) {
-        std::ranges::copy(kernel.later, std::back_inserter(kernel.notifications));
+        kernel.notifications.insert(kernel.notifications.end(), kernel.later.begin(),
+                                    kernel.later.end());
     }
     kernel.commands += std::to_string(command) + " ";
     kernel.sent.emplace_back(socket == kernel.notifying ? "notifications " : "commands ");

@@ -52,9 +52,8 @@ void Sandbox::bindFile(const std::string& target, std::string_view content) {
 
 void Sandbox::addPorts() {
     // The kernel updates the flags some time after a link is up.
-    run("test -e /sys/class/net/wire || { ip link add wire type veth peer name peer && ip link set "
-        "peer up && "
-        "ip link set wire address 02:00:5e:10:00:01 up && "
+    run("test -e /sys/class/net/wire || { ip link add wire type veth peer name peer && "
+        "ip link set peer up && ip link set wire address 02:00:5e:10:00:01 up && "
         "ip link add lone type veth peer name end && ip link set lone up && "
         "sysctl -qw net.ipv6.conf.wire.accept_dad=0 && ip addr add 192.0.2.5/25 dev wire && "
         "ip addr add 192.0.2.200/32 dev wire && ip addr add 2001:db8::5/64 dev wire nodad && "

@@ -179,9 +179,7 @@ TEST_F(DataAccess, ATurnIsWaitedForButOnceIfItNeverComes) {
     const int turns = ::open((kFile + "-turn").c_str(), O_RDWR | O_CLOEXEC);
     EXPECT_EQ(run("stat -c %a:%u " + kFile + "-turn"), run("stat -c %a:%u " + kFile));
     const auto lock = [=](short type, off_t place) {
-        struct flock range {
-            type, SEEK_SET, place, 1, 0
-        };
+        struct flock range = {type, SEEK_SET, place, 1, 0};
         return fcntl(turns, F_OFD_SETLK, &range);
     };
     const auto timeToSet = [&] {

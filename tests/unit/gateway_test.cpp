@@ -2,7 +2,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/rtnetlink.h>
-#include <net/if.h>
 #include <unistd.h>
 
 #include "console-manager/network.h"
@@ -28,7 +27,7 @@ std::string message(const std::string& attributes, const Header& header = {}) {
 
 TEST(Gateway, RoutesAreRequestedAndRepliesReadWithinTheirLengths) {
     const std::string via = attribute(RTA_GATEWAY, "\xc0\x01\x02\x01");
-    const std::string out = attribute(RTA_OIF, bytes(if_nametoindex("lo"))), both = out + via;
+    const std::string out = attribute(RTA_OIF, bytes(1)), both = out + via;
     const std::string good = message(both), found = "192.1.2.1";
     const std::string local = message(both, {.lengthOff = -1, .table = RT_TABLE_LOCAL});
     const struct {

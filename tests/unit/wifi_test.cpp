@@ -134,7 +134,6 @@ TEST_F(Wifi, RequestsAreTheseBytes) {
         "commands 1c0000001c000503030000000000000020010000" + ifindex,
         "commands 280000001c000500040000000000000011010000" + ifindex + "0a0006000202020202020000"};
     EXPECT_EQ(kernel.sent, requests);
-    EXPECT_EQ(kernel.joinedGroup, 6u);
 }
 
 TEST_F(Wifi, MostFailuresEndTheProcess) {
@@ -305,15 +304,13 @@ TEST_F(Wifi, AttributesAreReadByTheirRules) {
         read(attribute(20, "") + attribute(99, "x") + bssid, "1 6 2409 net9"),
         read(bssid + attribute(2, u32(1), 8), "1 6 2409 net9"),
         // Names, and elements without one.
-        name(ssid(""), ""), name(ssid(large), large), name(ssid({"ab\0cd", 5}), "ab"),
-        name(elements({"\0\5abcde", 7}), "abcde"), name(ssid(large + "x"), "", kRefusedSsid),
-        name(elements({"\0\5abcd", 6}), "", kRefusedSsid),
-        name(elements({"\0", 1}), "", kRefusedSsid),
-        name(elements({"\1\1x\0\1y", 6}), "", kRefusedSsid), name(elements(""), "", kRefusedSsid)};
+        name(ssid(""), ""), name(ssid(large), large), name(ssid("ab\0cd"s), "ab"),
+        name(elements("\0\5abcde"s), "abcde"), name(ssid(large + "x"), "", kRefusedSsid),
+        name(elements("\0\5abcd"s), "", kRefusedSsid), name(elements("\0"s), "", kRefusedSsid),
+        name(elements("\1\1x\0\1y"s), "", kRefusedSsid), name(elements(""), "", kRefusedSsid)};
     // clang-format on
     for (const int number : {1, 2, 7, 9, 10}) {
-        const std::string bss = bssid + faulty(number) + frequency;
-        cases.push_back(read(bss, "1 6 2409 net9", kInvalid));
+        cases.push_back(read(bssid + faulty(number) + frequency, "1 6 2409 net9", kInvalid));
     }
     for (const int number : {3, 45, 47}) {
         const std::string all = faulty(number) + attribute(NL80211_ATTR_BSS, bssid);
@@ -347,8 +344,8 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
         {networks("1 2"), {acknowledgement(-ENOENT)}, "1 1 net1 -1 9 9 9 9;  0 0 0"},
         {{network(ssid(large)), done()}, {}, "1 0 " + large + " -1 9 9 9 9;  0 0 0"},
         {dump,
-         {station(-60, 5, 4000000000)},
-         "1 2 net2 1 -60 -61 5 4000000000; net2 -60 5 4000000000"},
+         {station(-9, 5, 4000000000)},
+         "1 2 net2 1 -9 -10 5 4000000000; net2 -9 5 4000000000"},
         {dump, {station(-60, 0, 1)}, "1 2 net2 1 -60 -61 0 1; net2 -60 0 1"},
         {dump, {station(-60, 1, 0)}, "1 2 net2 1 -60 -61 1 0; net2 -60 1 0"},
         {dump, {station(-60, 0, 0)}, "1 2 net2 1 -60 -61 0 0;  -60 0 0"},
@@ -361,8 +358,10 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
         {{network(""), done()}, {}, "1 0  -1 9 9 9 9;  0 0 0", "", {changed}},
         {networks("2:2"), {station(5, 5, 5)}, "1 2 net2 2 5 4 5 5; net2 5 5 5", "", {changed}}};
     for (const int number : {7, 9, 10, 13}) {
-        const Datagrams answer = {station(received + faulty(number) + received)};
-        cases.push_back({dump, answer, "1 2 net2 1 9 9 7 9; net2 0 7 0", kInvalid});
+        cases.push_back({dump,
+                         {station(received + faulty(number) + received)},
+                         "1 2 net2 1 9 9 7 9; net2 0 7 0",
+                         kInvalid});
     }
     const char* buffer = nullptr;
     for (const Case& c : cases) {
@@ -391,10 +390,8 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
     CML_WifiStatus s{"x", 9, 9, 9};
     EXPECT_EQ(CML_getWifiStatus(nullptr, &s) + CML_getWifiStatus("wlan7", nullptr), 0);
     EXPECT_STREQ(s.ssid, "x");
-    kernel.commands.clear();
     EXPECT_EQ(CML_getWifiStatus("wlan8", &s), 0);
     EXPECT_EQ(joined(s.ssid == nullptr, s.signalDbm, s.rxPackets, s.txPackets), "1 0 0 0");
-    EXPECT_EQ(kernel.commands, "") << "nothing was sent without a port";
 }
 
 }  // namespace

@@ -44,4 +44,4 @@ Names take(char** list);
 Json orNull(const char* text);
 
 // Returns JSON text, on one line if indent is -1. Escapes all but ASCII on a terminal.
-std::string jsonText(const Json& json, int indent = 2);
+std::string jsonText(const Json& json, int indent);

@@ -7,7 +7,7 @@ namespace {
 
 // A text that isn't UTF-8 becomes an object with its bytes.
 Json encodedText(const std::string& text) {
-    const bool isUtf8 = Json::parse(jsonText(text)) == text;
+    const bool isUtf8 = Json::parse(jsonText(text, -1)) == text;
     return isUtf8 ? Json(text) : Json{{"bytes", std::vector<uint8_t>(text.begin(), text.end())}};
 }
 

@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr size_t kMany = 20;  // ports, of which the progress is shown
+
 // 0 from the library means no traffic, 2 GiB or more, or a failure.
 Json counted(int32_t bytes) {
     return bytes == 0 ? Json() : Json(bytes);
@@ -65,8 +67,13 @@ Cell sizeCell(const Json& bytes, const char* unit, const char* unknown) {
 
 void readPorts(Json& report, const Json& ports) {
     Json& states = report["ports"] = ports;
-    for (Json& port : states) {
-        port = readPort(port.get<std::string>().c_str());
+    const size_t all = ports.size();
+    for (size_t i = 0; i < all; ++i) {
+        states[i] = readPort(ports[i].get<std::string>().c_str());
+        if (all >= kMany) {
+            const std::string done = std::to_string(i + 1) + " of " + std::to_string(all);
+            showProgress(i + 1 < all ? "Read " + done + " ports" : "");
+        }
     }
 }
 

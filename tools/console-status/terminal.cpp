@@ -8,6 +8,7 @@
 #include <clocale>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -53,6 +54,12 @@ size_t terminalColumns() {
 size_t terminalRows() {
     const size_t rows = sizeOfTerminal().ws_row;
     return rows > 0 ? rows : 24;
+}
+
+void showProgress(const std::string& text) {
+    if (isatty(STDERR_FILENO) == 1) {
+        std::fprintf(stderr, "%-30s\r", text.c_str());
+    }
 }
 
 std::string styled(const char* style, const std::string& text) {

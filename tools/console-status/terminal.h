@@ -17,6 +17,10 @@ bool obeysSequences();
 size_t terminalColumns();
 size_t terminalRows();
 
+// Shows a message on stderr if that is a terminal. The next output overwrites it; an empty text
+// removes it.
+void showProgress(const std::string& text);
+
 // Styles, for a terminal that obeys control sequences unless NO_COLOR is set.
 constexpr const char* kBold = "1";
 constexpr const char* kDim = "2";

@@ -1,5 +1,4 @@
 #include <console-manager/wifi.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -160,12 +159,10 @@ int scanWifi(const Arguments& arguments) {
     if (!wifi) {
         return kFailed;
     }
-    // The cursor goes back, so that a message of the library overwrites the line.
-    const bool visible = isatty(STDERR_FILENO) == 1;
-    std::fputs(visible ? "Scanning...\r" : "", stderr);
+    showProgress("Scanning...");
     std::vector<wifi_bss_record> records(kMostNetworks, kUnsent);
     const int32_t count = wifi_scan_all(wifi.get(), records.data(), kMostNetworks);
-    std::fputs(visible ? "           \r" : "", stderr);
+    showProgress("");
     if (count < 0) {
         return fail("can't scan with " + port +
                     ": it is down or not wireless, its radio is busy, its scan was given up, or "

@@ -323,7 +323,7 @@ const std::string kDeletingVolatile =
 // clang-format on
 
 TEST(DataAccessCalls, OfTheFirstUseAlsoIfItFailsAndOfDeletingAll) {
-    TDL_LoggerRecord silent{1, ~TDL_FLAG_DATABASE_MESSAGES}, enabled{2, TDL_FLAG_DATABASE_MESSAGES};
+    TDL_LoggerRecord silent{1, ~2u}, enabled{2, 2u};
     // The loggers, and the number of the one that is printed to.
     const std::pair<decltype(loggers), std::string> loggings[] = {
         {{&enabled, nullptr}, "0"}, {{nullptr, &silent}, "1"}, {{&silent, &enabled}, ""}};

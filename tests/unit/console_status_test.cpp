@@ -16,6 +16,7 @@ class Session : public Sandbox,
         setenv("LC_ALL", "C.UTF-8", 1);
         setenv("TERM", "xterm", 1);
         setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);  // for what is preloaded
+        setenv("LD_LIBRARY_PATH", CS_MODULES, 1);  // LD_PRELOAD takes no path with a blank
         setenv("LD_PRELOAD", GetParam().second, 1);
         unsetenv("NO_COLOR");
     }

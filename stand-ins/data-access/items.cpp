@@ -203,11 +203,10 @@ int32_t isItemPresent(sqlite3* handle, const KeyPath* path, const Profile& profi
 
 int32_t deleteNodes(sqlite3* handle, const KeyPath* path, const Profile& profile) {
     const auto remove = [&](Connection& used, const Address& nodes) {
-        if (nodes.shape == Shape::Node) {
-            const char* const pattern = profile.isAll() ? kDeleteNodeInAllProfiles : kDeleteNode;
-            return deleteRows(used, pattern, nodes, profile);
-        }
-        return profile.isAll() ? deleteRows(used, kDeleteAllNodes, nodes, profile) : SQLITE_MISUSE;
+        const bool isOneNode = nodes.shape == Shape::Node;
+        return isOneNode == profile.isAll()
+                   ? SQLITE_MISUSE
+                   : deleteRows(used, isOneNode ? kDeleteNode : kDeleteAllNodes, nodes, profile);
     };
     return use(handle, path, {Shape::Node, Shape::WholeList}, profile.isOne() || profile.isAll(),
                remove);

@@ -50,14 +50,14 @@ int32_t end(Connection& connection, const char* sql, bool keep) {
 
 // Whether this creates a table that exists. Then there is nothing to do, and no turn is taken: a
 // process that starts next to busy ones would wait for a turn for each table.
-bool isMade(Connection& connection, std::string_view rest) {
-    for (const char* const word : {"TABLE", "IF", "NOT", "EXISTS"}) {
-        if (!isOneOf(takeWord(rest), std::string_view(word))) {
-            return false;
-        }
+bool isMade(Connection& connection, std::string_view sql) {
+    constexpr std::string_view kCreate = "CREATE TABLE IF NOT EXISTS ";
+    if (!sql.starts_with(kCreate)) {
+        return false;
     }
+    sql.remove_prefix(kCreate.size());
     char table[100] = "";  // a longer name is not found
-    const std::string_view name = takeWord(rest);
+    const std::string_view name = takeWord(sql);
     return name.copy(table, sizeof table - 1) == name.size() && connection.hasTable(table);
 }
 
@@ -128,8 +128,5 @@ int32_t executeQuery(Connection& connection, const char* sql) {
     if (plain && isOneOf(first, "ROLLBACK")) {
         return end(connection, sql, false);
     }
-    if (isOneOf(first, "CREATE") && isMade(connection, rest)) {
-        return SQLITE_OK;
-    }
-    return executeOther(connection, sql);
+    return isMade(connection, sql) ? SQLITE_OK : executeOther(connection, sql);
 }

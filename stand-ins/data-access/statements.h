@@ -38,7 +38,6 @@ inline constexpr char kListNodes[] =
     " WHERE c_dal_profile_no = ?3 AND c_LIST IS NOT NULL ORDER BY c_LIST";
 inline constexpr char kDeleteNode[] =
     "DELETE FROM tbl_LIST WHERE c_LIST = ?1 AND c_dal_profile_no = ?3";
-inline constexpr char kDeleteNodeInAllProfiles[] = "DELETE FROM tbl_LIST WHERE c_LIST = ?1";
 inline constexpr char kDeleteAllNodes[] = "DELETE FROM tbl_LIST";
 
 // One run of a statement on the rows of an address. The bound texts belong to the caller and must

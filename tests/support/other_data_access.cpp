@@ -50,7 +50,7 @@ int32_t DAL_deleteProfiledItem(DB_KEY, int32_t profile) {
     const bool isThere = DAL_isProfiledPresent(db, key, profile);
     const KeyPath node{{key->slots[0]}};
     const int32_t result = key->slots[1].name != nullptr
-                               ? NEXT(DAL_deleteProfiledNodeItem)(db, &node, profile)
+                               ? NEXT(DAL_deleteProfiledNodeItem)(db, &node, 0)
                                : NEXT(DAL_deleteProfiledItem)(db, key, profile);
     return result == 0 && isThere ? 0 : INT_MIN;
 }

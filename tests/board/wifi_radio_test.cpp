@@ -133,8 +133,7 @@ TEST_F(Crowd, AnswersStayTrueWhileAnotherProgramScans) {
     const std::string shown = "iw dev wlan0 scan dump | grep -c ^BSS",
                       trigger = "iw dev wlan0 scan trigger freq 2412 2437 2462";
     // Joins one of the last networks, which a list that breaks off lacks.
-    run("until test $(" + shown + ") = 51; do " + trigger +
-        "; done; iw dev wlan0 scan abort || true");
+    run("until test $(" + shown + ") = 51; do " + trigger + "; done; iw dev wlan0 scan abort || :");
     join("wlan3_15");
     keepRunning(trigger);
     std::map<std::string, int> answers;

@@ -358,9 +358,8 @@ TEST(DataAccessCalls, OfTheFirstUseAlsoIfItFailsAndOfDeletingAll) {
 TEST(DataAccessCalls, OfDeletingAllWithoutThePersistentDatabase) {
     failing = "SetDBConfiguration persistent\n";
     EXPECT_EQ(DAL_CML_deleteAll(), 1);
-    EXPECT_TRUE(
-        calls.ends_with("sqlite3_close persistent\n" + kOpeningVolatile + kDeletingVolatile))
-        << calls;
+    const std::string rest = kOpeningVolatile + kDeletingVolatile;
+    EXPECT_TRUE(calls.ends_with("sqlite3_close persistent\n" + rest)) << calls;
 }
 
 }  // namespace

@@ -25,12 +25,6 @@ auto within(const auto& call, auto... arguments) {
     return call(arguments...);
 }
 
-// The same for a function of exactly this type.
-template <typename Result, typename... Arguments>
-Result callWithin(Result (*function)(Arguments...), Arguments... arguments) {
-    return within(function, arguments...);
-}
-
 inline struct Fault {
     const char* function = "";
     int call = 1;           // which one of them, from 1

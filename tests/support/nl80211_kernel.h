@@ -10,8 +10,10 @@
 #include <linux/nl80211.h>
 #include <net/if.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <deque>
+#include <iterator>
 #include <map>
 #include <span>
 #include <sstream>
@@ -187,8 +189,7 @@ ssize_t mnl_socket_sendto(const mnl_socket* socket, const void* data, size_t siz
         reply = kernel.dumps.front();
         kernel.dumps.pop_front();
     } else if (command == NL80211_CMD_TRIGGER_SCAN) {
-        kernel.notifications.insert(kernel.notifications.end(), kernel.later.begin(),
-                                    kernel.later.end());
+        std::ranges::copy(kernel.later, std::back_inserter(kernel.notifications));
     }
     kernel.commands += std::to_string(command) + " ";
     kernel.sent.emplace_back(socket == kernel.notifying ? "notifications " : "commands ");

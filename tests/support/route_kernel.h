@@ -20,6 +20,5 @@ extern "C" ssize_t recv(int socket, void* buffer, size_t size, int) {
     socklen_t length = sizeof timeout;
     getsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &timeout, &length);
     errno = EAGAIN;
-    return reply == "time-out" ? -1
-                               : static_cast<ssize_t>(reply.copy(static_cast<char*>(buffer), size));
+    return reply == "time-out" ? -1 : ssize_t(reply.copy(static_cast<char*>(buffer), size));
 }

@@ -79,8 +79,7 @@ Texts take(char** list) {
 }
 
 int openDescriptors() {
-    return static_cast<int>(
-        std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+    return int(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
 
 void writeFile(const std::string& path, std::string_view content) {

@@ -75,13 +75,15 @@ TEST_F(Threads, DontDisturbEachOther) {
 }
 
 TEST_F(Threads, OpenEachDatabaseOnce) {
-    inThreads(
-        [](size_t) { EXPECT_EQ(DAL_CML_isThemePresent() + DAL_CML_isAutoThemePresent(), 0); });
+    inThreads([](size_t) {
+        pthread_cancel(pthread_self());  // in vain, because nothing may be left half-done
+        EXPECT_EQ(DAL_CML_isThemePresent() + DAL_CML_isAutoThemePresent(), 0);
+    });
     EXPECT_EQ(run("ls -l /proc/$PPID/fd | grep -c 'console-manager.db$'"), "2\n");
 }
 
 TEST_F(Threads, ReadTheReleaseTextsOnce) {
-    std::string file = "BUILD_ID=a=b\n=nameless\nno separator\nBUILD_ID =\"c";
+    std::string file = "BUILD_ID=a=b\n=nameless\nno separator\nBUILD =\"c";
     for (int i = 0; i < 3000; ++i) {
         file += "\nN" + std::to_string(i) + "=text";
     }
@@ -89,8 +91,7 @@ TEST_F(Threads, ReadTheReleaseTextsOnce) {
     std::vector<const char*> texts(kThreads);
     inThreads([&](size_t thread) { texts[thread] = CML_getBuildId(); });
     EXPECT_EQ(texts, std::vector(kThreads, CML_getBuildId())) << "the same pointers";
-    EXPECT_EQ(joined(os_release.size(), os_release[""], os_release["BUILD_ID "]),
-              "3003 nameless \"c");
+    EXPECT_EQ(joined(os_release.size(), os_release[""], os_release["BUILD "]), "3003 nameless \"c");
 
     os_release.clear();
     run("mount -t tmpfs none /etc");

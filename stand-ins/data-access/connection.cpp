@@ -112,15 +112,18 @@ Connection* Connection::of(sqlite3* handle) try {
         return known;
     }
     auto made = std::make_unique<Connection>(handle);
+    Connection& connection = *made;
     guardIndex(handle, Index::Shared);
-    sqlite3_busy_handler(handle, waitForReaders, made.get());
     // forget() finalizes the statements. SQLite calls it before it looks for statements, with
     // which it would refuse to close.
     sqlite3_trace_v2(handle, SQLITE_TRACE_CLOSE, forget, nullptr);
-    const std::lock_guard guard(connections().mutex);
-    return connections().byHandle.emplace(handle, std::move(made)).first->second.get();
+    {
+        const std::lock_guard guard(connections().mutex);
+        connections().byHandle.emplace(handle, std::move(made));
+    }
+    sqlite3_busy_handler(handle, waitForReaders, &connection);
+    return &connection;
 } catch (const std::bad_alloc&) {
-    sqlite3_busy_handler(handle, nullptr, nullptr);
     return nullptr;
 }
 
@@ -210,7 +213,6 @@ Handle Connection::openReader() const {
 void Connection::emptyJournal() {
     const std::unique_lock lock(mutex, std::try_to_lock);
     if (lock && !isMoved()) {
-        deadline = Clock::time_point();
         sqlite3_wal_checkpoint_v2(get(), "main", SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
     }
 }

@@ -386,10 +386,10 @@ TEST_F(Wifi, TheLinkIsThatToTheJoinedNetwork) {
     CML_WifiStatus s{"x", 9, 9, 9};
     EXPECT_EQ(CML_getWifiStatus(nullptr, &s) + CML_getWifiStatus("wlan7", nullptr), 0);
     EXPECT_STREQ(s.ssid, "x");
-    kernel.reset();
     EXPECT_EQ(CML_getWifiStatus("wlan8", &s), 0);
     EXPECT_EQ(joined(s.ssid == nullptr, s.signalDbm, s.rxPackets, s.txPackets), "1 0 0 0");
-    EXPECT_EQ(kernel.sent.size(), 0u);
+    fault = {"if_nametoindex", 2};
+    EXPECT_EQ(within(wifi_scan_init, "wlan7"), nullptr) << "the port is gone meanwhile";
 }
 
 }  // namespace

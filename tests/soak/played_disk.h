@@ -1,5 +1,6 @@
 // Replaces file calls of the one program whose source includes this: they can be slowed down,
-// refused and recorded. Also computes what a power loss leaves of a recorded folder.
+// refused and recorded, and stop the process. Also computes what a power loss leaves of a recorded
+// folder.
 #pragma once
 
 #include <dlfcn.h>
@@ -8,7 +9,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <map>
 #include <random>
@@ -16,7 +19,8 @@
 #include <span>
 #include <string>
 
-static unsigned syncMicroseconds = 0;  // added to each sync
+static unsigned syncMicroseconds = 0;          // added to each sync
+static std::atomic<bool> stopsInSync = false;  // the process, in its next sync
 static bool noSharedMappings = false;
 
 // A call on a file of the folder, whose own name is "": (c)reate, (w)rite, (t)runcate, (u)nlink,
@@ -58,6 +62,11 @@ static void note(char kind, int file, int64_t offset = 0, std::string_view data 
     }
 }
 
+static void delaySync() {
+    usleep(syncMicroseconds);
+    stopsInSync.exchange(false) ? raise(SIGSTOP) : 0;
+}
+
 // The names are the symbols that the dynamic linker looks up.
 #define PLAYED(name, Result, parameters, arguments, before, after)                                \
     extern "C" Result played_##name parameters __asm__(#name);                                    \
@@ -69,8 +78,8 @@ static void note(char kind, int file, int64_t offset = 0, std::string_view data 
         return result;                                                                            \
     }
 // clang-format off
-PLAYED(fsync, int, (int file), (file), usleep(syncMicroseconds), note('s', file))
-PLAYED(fdatasync, int, (int file), (file), usleep(syncMicroseconds), note('s', file))
+PLAYED(fsync, int, (int file), (file), delaySync(), note('s', file))
+PLAYED(fdatasync, int, (int file), (file), delaySync(), note('s', file))
 PLAYED(pwrite64, ssize_t, (int file, const char* data, size_t size, off64_t offset), (file, data, size, offset),
        , note('w', file, offset, {data, size}))
 PLAYED(ftruncate64, int, (int file, off64_t size), (file, size), , note('t', file, size))

@@ -5,7 +5,6 @@
 // each runs until its bounds mean something, on the file system of FOLDER (not in /mnt or /tmp/m7),
 // and every sync takes so many milliseconds longer.
 #include <cmath>
-#include <csignal>
 #include <filesystem>
 
 #include "console-manager/settings.h"
@@ -192,28 +191,21 @@ void killInside() {
     }
 }
 
+// Stopped with its turn and SQLite's lock.
 void besideStopped() {
     const pid_t process = start([] {
-        shared.ready = deleteAll() == 0;
-        // Not counted: its own call lasts for as long as it is stopped.
-        for (int i = 0;; ++i) {
-            DAL_CML_setDisplayOffTimeout(i);
+        deleteAll();
+        stopsInSync = true;
+        EXPECT_EQ(DAL_CML_setDisplayOffTimeout(7), 0);
+    });
+    waitpid(process, nullptr, WUNTRACED);
+    inProcess([] {
+        for (int i = 0; i < sampleOr(1, 5); ++i) {
+            icon("n");
+            setTimeout(i);
         }
     });
-    waitUntilReady();
-    for (int round = 0; round < sampleOr(1, 5); ++round) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1 + round));
-        kill(process, SIGSTOP);
-        inProcess([=] {
-            icon("n");
-            for (int i = 0; i < sampleOr(1, 3); ++i) {
-                setTimeout(i);
-            }
-        });
-        kill(process, SIGCONT);
-    }
-    kill(process, SIGKILL);
-    waitpid(process, nullptr, 0);
+    kill(process, SIGCONT);
 }
 
 // On a volume with small blocks, if it can be mounted. Another process fills each block that is

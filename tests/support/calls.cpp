@@ -211,7 +211,7 @@ std::vector<Call> deviceCalls() {
           {"df", "printf 'tmpfs 1 2\\n/dev 3 4\\nx/dev/a 7 8\\n'", "0 0"},
           {"df", "printf '/dev/a 5\\n/dev/b 4294967296 7\\n'", "4294967295 0"},
           {"df", "printf '/dev/a -2 +x\\r\\n/dev/b \\n/dev/c'", "4294967294 0"},
-          {"df", "printf '/dev/" + std::string(300, 'x') + " 1000 250\\n'", "1000 250"}}},
+          {"df", "printf '/dev/a 5\\0%118s0 250\\n'", "50 250"}}},
         {"", "CML_getMemoryInformation", "2048 512", {"7 8", "2048 8", "7 512", kNoMemory},
          [] { return twoNumbers(CML_getMemoryInformation); },
          {{memory, "A: 1\n\nMemFree:\t512\nMemAvailable: 3 kB\n  MemTotal:  2048", "2048 512"},

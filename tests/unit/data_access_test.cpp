@@ -81,8 +81,9 @@ TEST_F(DataAccess, WhatIsNoItemOrOutOfLimitsFailsAndDelivers) {
     const KeyPath* const paths[] = {nullptr, &noKey, &threeLevels, &injected, &kNode};
     for (const KeyPath* const path : paths) {
         char text[4] = "";
-        EXPECT_NE(DAL_getTypeString(db, path, text, nullptr, sizeof text, "long"), 0);
-        EXPECT_STREQ(text, "lon");
+        uint32_t length = 0;
+        EXPECT_NE(DAL_getTypeString(db, path, text, &length, sizeof text, "long"), 0);
+        EXPECT_EQ(joined(text, length), "lon 4");
         EXPECT_NE(DAL_setTypeString(db, path, "v", 0), 0);
         char* block = text;
         EXPECT_EQ(DAL_getTypeStringMalloc(db, path, &block, nullptr), SQLITE_MISUSE);

@@ -62,7 +62,7 @@ static void note(char kind, int file, int64_t offset = 0, std::string_view data 
     }
 }
 
-static void delaySync() {
+static void beforeSync() {
     usleep(syncMicroseconds);
     stopsInSync.exchange(false) ? raise(SIGSTOP) : 0;
 }
@@ -78,8 +78,8 @@ static void delaySync() {
         return result;                                                                            \
     }
 // clang-format off
-PLAYED(fsync, int, (int file), (file), delaySync(), note('s', file))
-PLAYED(fdatasync, int, (int file), (file), delaySync(), note('s', file))
+PLAYED(fsync, int, (int file), (file), beforeSync(), note('s', file))
+PLAYED(fdatasync, int, (int file), (file), beforeSync(), note('s', file))
 PLAYED(pwrite64, ssize_t, (int file, const char* data, size_t size, off64_t offset), (file, data, size, offset),
        , note('w', file, offset, {data, size}))
 PLAYED(ftruncate64, int, (int file, off64_t size), (file, size), , note('t', file, size))

@@ -205,7 +205,7 @@ void besideStopped() {
             setTimeout(i);
         }
     });
-    kill(process, SIGCONT);
+    EXPECT_EQ(kill(process, SIGCONT), 0) << "it has not ended";
 }
 
 // On a volume with small blocks, if it can be mounted. Another process fills each block that is

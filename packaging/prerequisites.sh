@@ -3,7 +3,8 @@
 
 BUILD_PACKAGES="g++ cmake ninja-build libsqlite3-dev libmnl-dev nlohmann-json3-dev"
 PACKAGING_PACKAGES="$BUILD_PACKAGES debhelper dpkg-dev"
-TEST_PACKAGES="$PACKAGING_PACKAGES pkg-config libgtest-dev libbenchmark-dev clang libclang-rt-dev \
+# llvm: the lines in what the sanitizers report.
+TEST_PACKAGES="$PACKAGING_PACKAGES pkg-config libgtest-dev libbenchmark-dev clang libclang-rt-dev llvm \
     clang-format clang-tidy valgrind iproute2 iputils-ping procps doxygen lintian \
     python3-prometheus-client"
 BOARD_PACKAGES="$PACKAGING_PACKAGES g++-arm-linux-gnueabihf qemu-system-arm cpio kmod"

@@ -85,7 +85,7 @@ PLAYED(readdir, 0, EIO);
 
 static long liveBlocks = 0;
 
-#ifndef __SANITIZE_ADDRESS__
+#ifndef SANITIZED_MEMORY
 // The sanitizer has its own allocator and finds leaks itself.
 #define ALLOCATION(name, parameters, arguments, newBlocks) \
     extern "C" void* __libc_##name parameters;             \

@@ -12,11 +12,10 @@ class Session : public Sandbox,
     void prepare() override {
         addPorts();
         run("ln -sf \"${CONSOLE_STATUS:-" CS "}\" /tmp/m7");
-        setenv("PATH", (CS_SESSIONS "/bin:/tmp/m7:" + std::string(getenv("PATH"))).c_str(), 1);
+        setenv("PATH", CS_SESSIONS "/bin:/tmp/m7:/usr/sbin:/usr/bin:/sbin:/bin", 1);
         setenv("SOURCE", CS_SOURCE, 1);
         setenv("LC_ALL", "C.UTF-8", 1);
         setenv("TERM", "xterm", 1);
-        setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);  // for what is preloaded
         // LD_PRELOAD takes no path with a blank.
         const std::string libraries = "\"" CS_MODULES "${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}\"";
         setenv("LD_LIBRARY_PATH", run("printf %s " + libraries).c_str(), 1);
